@@ -1,0 +1,229 @@
+#include "driver/ostrel.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <list>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "driver/command_line.h"
+#include "driver/messages.h"
+#include "driver/number2cstring.h"
+#include "driver/output_files.h"
+#include "driver/parameter_summary.h"
+#include "search/CSearchController.h"
+#include "search/run_status.h"
+#include "sequence/CFile.h"
+#include "sequence/CSequence_Mol.h"
+#include "sequence/global-types-and-parameters.h"
+
+namespace {
+
+constexpr std::size_t reserved_bases = 10000000;
+
+/// What the loop over the records works with; lives for the whole run.
+struct Run {
+  CSequence_Mol sequence;  ///< one record reused for all
+  std::unique_ptr<CFile> input;
+  OutputFile out;
+  OutputFile masked;         ///< not open unless masking was asked for
+  bool masked_failed = false;  ///< asked for, but it could not be opened
+  unsigned counter = 0;        ///< 1-based number of the record last read
+};
+
+std::string masked_filename() { return global_input_filename + ".masked"; }
+
+bool open_input(Run& run) {
+  run.input = std::make_unique<CFile>(global_input_filename);
+  if (!run.input->open_failed) return true;
+  general_PrintMessage(stderr, "Sorry! The input file \n   \"", global_input_filename,
+                       "\"\ncould not be opened. I guess it does not exist.\n");
+  return false;
+}
+
+/// Whether the run would write into its input, or two of its files are one; says so.
+bool files_collide() {
+  const auto is_output = [](const std::string& path) {
+    return global_output_filename.empty() ? is_standard_output(path) : same_file(path, global_output_filename);
+  };
+  std::string clash;
+  if (is_output(global_input_filename)) clash = "The output would overwrite the input file";
+  if (global_mask_repeats) {
+    if (same_file(global_input_filename, masked_filename())) clash = "The masked file would overwrite the input file";
+    if (is_output(masked_filename())) clash = "The output and the masked copy would be the same file, for the input file";
+  }
+  if (clash.empty()) return false;
+  general_PrintMessage(stderr, "Sorry! " + clash, "\n   \"", global_input_filename, "\".\n");
+  return true;
+}
+
+bool open_output(Run& run) {
+  if (files_collide()) return false;
+  if (global_output_filename.empty()) {
+    run.out.use_standard_output();
+    return true;
+  }
+  if (run.out.open(global_output_filename)) return true;
+  general_PrintMessage(stderr, "Sorry! Failed to open file\n   \"", global_output_filename, "\"\nas output file.\n");
+  return false;
+}
+
+void write_headers(std::FILE* out) {
+  creator_message(stderr, "");
+  print_search_parameters(stderr, "");
+  general_PrintMessage(stderr, "\n\nSearch progress:\n\nCPU-time - SeqNr - PatLen - Seq-Name\n", std::string(72, '-'), "\n");
+  std::fflush(stderr);
+
+  creator_message(out, "# ");
+  print_search_parameters(out, "# ");
+  print_output_format(out, "# ");
+}
+
+/// A masked file that cannot be opened does not keep the user from the report.
+void open_masked(Run& run) {
+  if (!global_mask_repeats || run.masked.open(masked_filename())) return;
+  general_PrintMessage(stderr, "Sorry! Failed to open file\n   \"", masked_filename(), "\"\nfor the masked sequences: ",
+                       std::string(std::strerror(errno)) + ".\n");
+  std::fflush(stderr);
+  run.masked_failed = true;
+}
+
+/// Overwrites the bases of the reported repeats.
+void mask_repeats(const std::list<Csat*>& sats, CSequence_Mol& sequence) {
+  for (const Csat* sat : sats) {
+    char* const first = sequence.sequence.buffer + (sat->pos_left - sequence.begin());
+    std::fill_n(first, sat->length(), 'X');
+  }
+}
+
+/// Searches the record that was just read, reports its repeats and masks them.
+void search_and_report(Run& run) {
+  CSearchController controller(run.counter, run.sequence);
+  CsatContainer* result = &controller.imperfect_sats;
+  switch (global_search_mode) {
+    case 0:
+      controller.exact_search_2();
+      result = &controller.exact_sats;
+      break;
+    case 1:
+      controller.search_exact_and_extend_to_imperfect_repeats();
+      break;
+    default:
+      controller.complete_imperfect_search();
+  }
+  CSearchController::remove_hidden(*result);
+  controller.report_SATList(run.out.stream(), result->sats);
+  if (!run.masked.is_open()) return;
+  mask_repeats(result->sats, run.sequence);  // after the report, which shows the bases
+  run.sequence.writeSequence(run.masked.stream(), 80);
+}
+
+void process_record(Run& run) {
+  const std::string& name = run.sequence.name;
+  if (run.counter < global_sequence_from || run.counter > global_sequence_to) {
+    general_PrintMessage(stderr, "Skipping sequence ", number2str(run.counter), ": ", name + "\n");
+    std::fflush(stderr);
+    return;
+  }
+  report_status(run.counter, name.c_str(), global_min_unit_length, 'r');
+  update_report_time();
+  search_and_report(run);
+}
+
+const char* expectation(int fasta_error) {
+  switch (fasta_error) {
+    case FASTA_HEADER_EXPECTED:
+      return "a header, \">\" and a name, was expected";
+    case FASTA_LONE_CR:
+      return "a line feed was expected after the carriage return";
+    case FASTA_READ_FAILED:
+      return "the file could not be read any further";
+    default:
+      return "a byte could not be pushed back";
+  }
+}
+
+void report_malformed_input(const Run& run, int fasta_error) {
+  std::string place = "record ";
+  place += number2str(run.counter);
+  place += ", line " + std::to_string(run.input->line_number()) + ": ";
+  general_PrintMessage(stderr, "Sorry! The input file \n   \"", global_input_filename,
+                       "\"\nis malformed at " + place, std::string(expectation(fasta_error)) + ".\n");
+}
+
+/// Everything up to the first record. Returns EXIT_COMPLETE or the reason why the run ends here.
+int start(Run& run, int argc, const char* const* argv) {
+  run.sequence.sequence.reserve(reserved_bases);
+  start_run_clock();
+  ostrel_welcome(stderr);
+  std::fflush(stderr);
+  if (const int refused = read_and_init_parameters(argc, argv)) return refused;
+  if (!open_input(run)) return EXIT_INPUT_NOT_OPENED;
+  if (!open_output(run)) return EXIT_OUTPUT_NOT_OPENED;
+  write_headers(run.out.stream());
+  if (!run.out.flush()) return EXIT_WRITE_FAILED;
+  open_masked(run);
+  return EXIT_COMPLETE;
+}
+
+int process_all_records(Run& run) {
+  try {
+    while (!run.input->eof()) {
+      ++run.counter;
+      errno = 0;  // so that a write that fails meanwhile leaves its reason
+      run.sequence.readFastaSequence(*run.input);
+      process_record(run);
+      if (run.out.has_failed()) return EXIT_WRITE_FAILED;
+    }
+  } catch (int fasta_error) {
+    report_malformed_input(run, fasta_error);
+    return EXIT_MALFORMED_INPUT;
+  }
+  // The final progress line names the record last read, even if it was skipped.
+  report_status(run.counter, run.sequence.name.c_str(), global_max_unit_length, 'f');
+  return run.masked_failed ? EXIT_MASKED_NOT_OPENED : EXIT_COMPLETE;
+}
+
+/// Start and loop, with everything that can go wrong turned into an exit code.
+int run_to_exit_code(Run& run, int argc, const char* const* argv) {
+  try {
+    const int code = start(run, argc, argv);
+    return code == EXIT_COMPLETE ? process_all_records(run) : code;
+  } catch (const std::bad_alloc&) {
+    general_PrintMessage(stderr, "Sorry! Memory ran out while working on the input file \n   \"",
+                         global_input_filename, "\", record ", std::string(number2str(run.counter)) + ".\n");
+    return EXIT_OUT_OF_MEMORY;
+  }
+}
+
+/// Closes the files and says goodbye. The report gets its closing line only if nothing has been lost.
+int close_down(Run& run, int code) {
+  if (!run.masked.close()) {
+    run.masked.report_failure();
+    code = EXIT_WRITE_FAILED;
+  }
+  if (code == EXIT_COMPLETE || code == EXIT_MASKED_NOT_OPENED) write_closing_line(run.out.stream());
+  if (!run.out.close()) {
+    run.out.report_failure();
+    code = EXIT_WRITE_FAILED;
+    if (run.out.reader_has_gone()) return code;
+  }
+  if (code == EXIT_COMPLETE) {
+    good_bye();
+  } else {
+    good_bye_on_error(code);
+  }
+  return code;
+}
+
+}  // namespace
+
+int ostrel_main(int argc, const char* const* argv) {
+  std::signal(SIGPIPE, SIG_IGN);  // a write to a closed pipe fails like any other
+  occupy_standard_descriptors();
+  Run run;
+  return close_down(run, run_to_exit_code(run, argc, argv));
+}

@@ -1,0 +1,91 @@
+#include "driver/output_files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "driver/messages.h"
+
+namespace {
+
+constexpr std::size_t buffer_size = std::size_t{1} << 20;
+
+bool same_inode(const struct stat& a, const struct stat& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
+
+}  // namespace
+
+void OutputFile::use_standard_output() {
+  stream_ = stdout;
+  is_standard_output_ = true;
+  if (isatty(STDOUT_FILENO) == 0) std::setvbuf(stdout, nullptr, _IOFBF, buffer_size);
+}
+
+bool OutputFile::open(const std::string& path) {
+  name_ = path;
+  stream_ = std::fopen(path.c_str(), "w");
+  if (stream_ != nullptr) std::setvbuf(stream_, nullptr, _IOFBF, buffer_size);
+  return is_open();
+}
+
+void OutputFile::note_failure() {
+  if (!failed_) reason_ = errno;
+  failed_ = true;
+}
+
+bool OutputFile::has_failed() {
+  if (is_open() && std::ferror(stream_) != 0) note_failure();
+  return failed_;
+}
+
+bool OutputFile::flush() {
+  if (is_open() && (std::fflush(stream_) != 0 || std::ferror(stream_) != 0)) note_failure();
+  return !failed_;
+}
+
+bool OutputFile::close() {
+  flush();
+  if (is_open() && !is_standard_output_ && std::fclose(stream_) != 0) note_failure();
+  stream_ = nullptr;
+  return !failed_;
+}
+
+bool OutputFile::reader_has_gone() const { return failed_ && is_standard_output_ && reason_ == EPIPE; }
+
+void OutputFile::report_failure() const {
+  if (reader_has_gone()) return;
+  const std::string what = is_standard_output_ ? "Sorry! Failed to write to standard output: "
+                                               : "Sorry! Failed to write file\n   \"" + name_ + "\"\ncompletely: ";
+  general_PrintMessage(stderr, what, std::strerror(reason_), ".\n");
+}
+
+bool same_file(const std::string& a, const std::string& b) {
+  struct stat status_a {};
+  struct stat status_b {};
+  const bool a_exists = stat(a.c_str(), &status_a) == 0;
+  const bool b_exists = stat(b.c_str(), &status_b) == 0;
+  if (a_exists != b_exists) return false;
+  if (a_exists) return S_ISREG(status_a.st_mode) && same_inode(status_a, status_b);
+  std::error_code ignored;
+  const auto resolved_a = std::filesystem::weakly_canonical(std::filesystem::absolute(a, ignored), ignored);
+  const auto resolved_b = std::filesystem::weakly_canonical(std::filesystem::absolute(b, ignored), ignored);
+  return resolved_a == resolved_b;
+}
+
+bool is_standard_output(const std::string& path) {
+  struct stat status {};
+  struct stat output {};
+  return stat(path.c_str(), &status) == 0 && fstat(STDOUT_FILENO, &output) == 0 && S_ISREG(status.st_mode) &&
+         same_inode(status, output);
+}
+
+void occupy_standard_descriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) != -1) continue;
+    if (::open("/dev/null", O_RDONLY) == -1) return;  // takes the lowest free number, which is this one
+  }
+}

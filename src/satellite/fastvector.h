@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+/// A growable array of small, trivially destructible elements that keeps its buffer when it is emptied.
+///
+/// Invariant: `size` <= `capacity`; the object owns `buffer`. A buffer that cannot grow ends the program with exit
+/// status 0 and a line on standard output.
+template <typename T>
+class fastvector {
+ public:
+  T* buffer = nullptr;
+  std::size_t size = 0;
+  std::size_t capacity = 0;
+
+  fastvector() = default;
+  ~fastvector() { std::free(static_cast<void*>(buffer)); }
+
+  fastvector(const fastvector& other) { *this = other; }
+
+  fastvector& operator=(const fastvector& other) {
+    if (this == &other) return *this;
+    size = 0;
+    reserve(other.size);
+    for (const T& element : other) push_back(element);
+    return *this;
+  }
+
+  void push_back(const T& element) {
+    if (size == capacity) grow_to(capacity == 0 ? 4 : 2 * capacity);
+    new (buffer + size) T(element);
+    ++size;
+  }
+
+  void reserve(std::size_t n) {
+    if (capacity < n) grow_to(n);
+  }
+
+  void clear() { size = 0; }
+  bool empty() const { return size == 0; }
+
+  T* begin() { return buffer; }
+  T* end() { return buffer + size; }
+  const T* begin() const { return buffer; }
+  const T* end() const { return buffer + size; }
+
+ private:
+  void grow_to(std::size_t new_capacity) {
+    auto* const grown = static_cast<T*>(std::malloc(new_capacity * sizeof(T)));
+    if (grown == nullptr) {
+      std::puts("Program aborded due to failed realloc!");
+      std::exit(0);
+    }
+    for (std::size_t i = 0; i < size; ++i) new (grown + i) T(std::move(buffer[i]));
+    std::free(static_cast<void*>(buffer));
+    buffer = grown;
+    capacity = new_capacity;
+  }
+};

@@ -1,0 +1,43 @@
+#include "search/CSearchController.h"
+
+#include <algorithm>
+
+#include "search/run_status.h"
+#include "sequence/global-types-and-parameters.h"
+
+CSearchController::CSearchController(unsigned number, CSequence_Mol& sequence)
+    : sequence_number(number),
+      seq(sequence),
+      minScores(&minScores_user),
+      minLengths(&minLengths_user),
+      minScores_user(global_min_score, global_min_score_a, global_min_score_bx),
+      minLengths_user(global_min_length, global_min_length_a, global_min_length_bx),
+      minScores_intern(4, 0, 1.0F),
+      minLengths_intern(0, 0, 0.0F),
+      rules{global_mismatch_score, global_indel_score, global_maximum_recursion_depth, global_Ns_allowed_in_a_row,
+            global_treat_Ns_as_missense} {}
+
+bool CSearchController::passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths) {
+  const std::int64_t u = sat.unit_length();
+  return sat.score >= scores[u] && sat.normalized_length() >= lengths[u];
+}
+
+void CSearchController::report_progress(const char* p, std::int64_t unit_length) const {
+  if ((p - seq.begin()) % 256 != 0 || !check_report_status()) return;
+  report_status(sequence_number, seq.name.c_str(), static_cast<unsigned>(unit_length), 'r');
+}
+
+std::int64_t CSearchController::longest_unit() const {
+  return std::min<std::int64_t>(global_max_unit_length, seq.end() - seq.begin() - 1);
+}
+
+bool CSearchController::valid_starting_pattern(const char* begin, const char* end, const char* next_N) {
+  if (next_N >= begin && next_N < end) return false;
+  if (end - begin == 1) return true;
+  return std::adjacent_find(begin, end, [](char a, char b) { return a != b; }) != end;
+}
+
+void CSearchController::report_SATList(std::FILE* out, const std::list<Csat*>& sats) const {
+  std::fprintf(out, ">%s\nsequence length: %zu\n", seq.name.c_str(), seq.sequence.length);
+  for (const Csat* sat : sats) sat->report_sat(out, seq);
+}

@@ -1,0 +1,107 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <list>
+
+#include "satellite/Csat.h"
+#include "search/CAnchorSeq.h"
+#include "search/front.h"
+#include "search/thresholds.h"
+#include "sequence/CSequence_Mol.h"
+
+/// A result list. Its records go back to the pool when it is destroyed.
+struct CsatContainer {
+  std::list<Csat*> sats;
+
+  CsatContainer() = default;
+  CsatContainer(const CsatContainer&) = delete;
+  CsatContainer& operator=(const CsatContainer&) = delete;
+  ~CsatContainer() { sat_alloc.give_back_all(sats); }
+};
+
+/// The search of one sequence: built over a record, searched once in one mode, reported, destroyed before the next
+/// record is read. Every position in a record found here points into `seq`.
+class CSearchController {
+ public:
+  unsigned sequence_number;   ///< 1-based number of the record in the input
+  CSequence_Mol& seq;         ///< the record searched; not owned
+  CsatContainer exact_sats;   ///< result of the exact search
+  CsatContainer imperfect_sats;  ///< result of the two imperfect searches
+
+  CSearchController(unsigned number, CSequence_Mol& sequence);
+  CSearchController(const CSearchController&) = delete;
+  CSearchController& operator=(const CSearchController&) = delete;
+
+  /// Mode "exact": every perfect repeat, into `exact_sats`, sorted with lessThan_sat.
+  void exact_search_2();
+
+  /// Mode "extendExact": exact repeats of low thresholds, each grown into an imperfect one, into `imperfect_sats`,
+  /// sorted with lessThan_sat. Two progress lines go to standard error.
+  void search_exact_and_extend_to_imperfect_repeats();
+
+  /// Mode "imperfect": every position as a seed of every unit length, into `imperfect_sats`, sorted with lessThan_sat.
+  void complete_imperfect_search();
+
+  /// Removes, from a list sorted with lessThan_sat, the lower-scoring one of any two mostly overlapping repeats. Two
+  /// repeats mostly overlap when one of them has less than a unit outside the shared stretch. The earlier one wins a tie.
+  static void remove_hidden(CsatContainer& container);
+
+  /// Writes the record's header lines and its repeats.
+  void report_SATList(std::FILE* out, const std::list<Csat*>& sats) const;
+
+  /// Grows the right end up to `stop`, exclusive. False when an over-long run of N lies directly ahead.
+  bool extend_exact_forward(Csat& sat, const char* stop) const;
+  /// Grows the left end; `stop` is the position before the first base that may be taken.
+  bool extend_exact_backward(Csat& sat, const char* stop) const;
+
+  /// Grows the right end into an imperfect repeat, up to `seq_end`, exclusive. Events are appended in the order of the walk.
+  void extend_imperfect_forward(Csat& sat, const char* seq_end) const;
+  /// Grows the left end; `left_limit` is the position before the first base that may be taken.
+  void extend_imperfect_backward(Csat& sat, const char* left_limit) const;
+
+  /// Whether the window [begin, end) may be a unit: no N, and not a single base repeated unless it is one base long.
+  /// `next_N` is the first N at or after `begin`, or the sequence end.
+  static bool valid_starting_pattern(const char* begin, const char* end, const char* next_N);
+
+  /// The exact repeats under `global_perfection_minimum`: a repeat that falls short, because of its N, is broken up into
+  /// the longest pieces from left to right that reach it. No mode selects this path yet.
+  void report_exact_sat_with_minimum_perfection(std::FILE* out) const;
+  void find_and_report_all_sat_with_minimum_perfection_in_previously_determined_exact_sat(std::FILE* out,
+                                                                                          const Csat& rep) const;
+  /// The best piece of `rep`, which must be exact, that begins at `start`. `best`.pos_left stays null if there is none.
+  static void find_one_exact_sat_with_minimum_perfection_in_previously_determined_exact_repeat(const Csat& rep,
+                                                                                               const char* start,
+                                                                                               Csat& best);
+
+  /// The active thresholds, the user's outside the seed stage of mode "extendExact".
+  const ThresholdTable* minScores;
+  const ThresholdTable* minLengths;
+
+ private:
+  /// score >= minScores and normalised length >= minLengths, in the given tables.
+  static bool passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths);
+  bool is_accepted(const Csat& sat) const { return passes(sat, *minScores, *minLengths); }
+
+  /// Lets the run status write a progress line, every 256 positions and once a minute at most.
+  void report_progress(const char* p, std::int64_t unit_length) const;
+
+  /// The longest unit length that can be seeded at all: a window must end before the last base.
+  std::int64_t longest_unit() const;
+
+  void search_exact_mononucleotides();
+  void search_exact_units(std::int64_t unit_length, CAnchorSeq& cover);
+  void extend_exact_both_ways(Csat& sat) const;
+
+  void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found);
+  void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found);
+  /// Grows the seed both ways, trims it and tests it.
+  bool grow_imperfect(Csat& seed) const;
+  void keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const;
+
+  ThresholdTable minScores_user;
+  ThresholdTable minLengths_user;
+  ThresholdTable minScores_intern;
+  ThresholdTable minLengths_intern;
+  ExtensionRules rules;
+};

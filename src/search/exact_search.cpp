@@ -1,0 +1,85 @@
+// The exact search: every perfect tandem repeat, runs of N within limits.
+
+#include <algorithm>
+
+#include "search/CSearchController.h"
+#include "sequence/global-types-and-parameters.h"
+
+namespace {
+
+template <bool forward>
+bool extend(Csat& sat, const char* limit, const ExtensionRules& rules) {
+  auto front = Front<forward>::of(sat);
+  const bool result = extend_exact(front, UnitCircle{sat.unit_begin, sat.unit_end}, limit, rules);
+  front.store(sat);
+  return result;
+}
+
+const char* skip_Ns(const char* p, const char* end) {
+  return std::find_if(p, end, [](char base) { return base != 'N'; });
+}
+
+}  // namespace
+
+bool CSearchController::extend_exact_forward(Csat& sat, const char* stop) const {
+  return extend<true>(sat, stop, rules);
+}
+
+bool CSearchController::extend_exact_backward(Csat& sat, const char* stop) const {
+  return extend<false>(sat, stop + 1, rules);
+}
+
+void CSearchController::extend_exact_both_ways(Csat& sat) const {
+  extend_exact_forward(sat, seq.end());
+  extend_exact_backward(sat, seq.begin() - 1);
+  sat.remove_Ns_at_ends();
+}
+
+void CSearchController::exact_search_2() {
+  CAnchorSeq cover(seq.begin(), seq.sequence.length);
+  std::int64_t first = global_min_unit_length;
+  if (first == 1) {
+    search_exact_mononucleotides();
+    first = 2;
+  }
+  for (std::int64_t k = first; k <= longest_unit(); ++k) search_exact_units(k, cover);
+  exact_sats.sats.sort(lessThan_sat);
+}
+
+/// Runs of one base are not written into the cover: the scan jumps over each, and they must not hide longer units.
+void CSearchController::search_exact_mononucleotides() {
+  const char* const end = seq.end();
+  Csat* spare = nullptr;
+  for (const char* p = skip_Ns(seq.begin(), end); end - p > 1; p = skip_Ns(p + 1, end)) {
+    report_progress(p, 1);
+    if (spare == nullptr) spare = sat_alloc.take(p, p + 1);
+    spare->seed(p, p + 1);
+    extend_exact_both_ways(*spare);
+    if (!is_accepted(*spare)) continue;
+    exact_sats.sats.push_back(spare);
+    p = spare->pos_right_end - 1;
+    spare = nullptr;
+  }
+  if (spare != nullptr) sat_alloc.give_back(spare);
+}
+
+/// A kept repeat that also passes the user's thresholds is covered, so that it is not found again in another phase of its
+/// unit or at a multiple of it. The cover is carried on to the longer units.
+void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq& cover) {
+  const char* const end = seq.end();
+  const char* next_N = std::find(seq.begin(), end, 'N');
+  Csat* spare = nullptr;
+  for (const char* p = seq.begin(); end - p > unit_length; ++p) {
+    report_progress(p, unit_length);
+    if (next_N < p) next_N = std::find(p, end, 'N');
+    if (!cover.admits(p, unit_length) || !valid_starting_pattern(p, p + unit_length, next_N)) continue;
+    if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
+    spare->seed(p, p + unit_length);
+    extend_exact_both_ways(*spare);
+    if (!is_accepted(*spare)) continue;
+    if (passes(*spare, minScores_user, minLengths_user)) cover.cover(*spare);
+    exact_sats.sats.push_back(spare);
+    spare = nullptr;
+  }
+  if (spare != nullptr) sat_alloc.give_back(spare);
+}

@@ -1,0 +1,31 @@
+// The mode that grows exact seeds into imperfect repeats.
+
+#include <cstdio>
+
+#include "search/CSearchController.h"
+
+void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
+  std::fputs("  Searching for exact repeats.\n", stderr);
+  std::fflush(stderr);
+  minScores = &minScores_intern;
+  minLengths = &minLengths_intern;
+  exact_search_2();
+  minScores = &minScores_user;
+  minLengths = &minLengths_user;
+
+  std::fputs("  Extend exact to imperfect repeats.\n", stderr);
+  std::fflush(stderr);
+  std::list<Csat*>& seeds = exact_sats.sats;
+  std::list<Csat*>& found = imperfect_sats.sats;
+  while (!seeds.empty()) {
+    Csat* const sat = seeds.front();
+    if (grow_imperfect(*sat)) {
+      sat->sort_missense();
+      found.splice(found.end(), seeds, seeds.begin());
+    } else {
+      sat_alloc.give_back(sat);
+      seeds.pop_front();
+    }
+  }
+  found.sort(lessThan_sat);
+}

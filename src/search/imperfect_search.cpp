@@ -1,0 +1,68 @@
+// The direct search for imperfect repeats.
+
+#include <algorithm>
+
+#include "search/CSearchController.h"
+#include "sequence/global-types-and-parameters.h"
+
+void CSearchController::complete_imperfect_search() {
+  CAnchorSeq anchors(seq.begin(), seq.sequence.length);
+  std::int64_t first = global_min_unit_length;
+  if (first == 1) {
+    unit_len_1_complete_imperfect_search(anchors, imperfect_sats.sats);
+    // Runs of one base never hide positions from longer units; repeats of longer units do.
+    anchors.reset();
+    first = 2;
+  }
+  for (std::int64_t length = first; length <= longest_unit(); ++length) {
+    one_unit_len_complete_imperfect_search(length, anchors, imperfect_sats.sats);
+  }
+  imperfect_sats.sats.sort(lessThan_sat);
+}
+
+void CSearchController::unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found) {
+  const char* const end = seq.end();
+  Csat* spare = nullptr;
+  for (const char* p = seq.begin(); end - p > 1; ++p) {
+    if (*p == 'N') continue;
+    report_progress(p, 1);
+    if (!anchors.is_free(p)) continue;
+    if (spare == nullptr) spare = sat_alloc.take(p, p + 1);
+    spare->seed(p, p + 1);
+    if (!grow_imperfect(*spare)) continue;
+    keep_imperfect(spare, anchors, found);
+    spare = nullptr;
+  }
+  if (spare != nullptr) sat_alloc.give_back(spare);
+}
+
+void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors,
+                                                               std::list<Csat*>& found) {
+  const char* const end = seq.end();
+  const char* next_N = std::find(seq.begin(), end, 'N');
+  Csat* spare = nullptr;
+  for (const char* p = seq.begin(); end - p > unit_length; ++p) {
+    report_progress(p, unit_length);
+    if (next_N < p) next_N = std::find(p, end, 'N');
+    if (!anchors.admits(p, unit_length) || !valid_starting_pattern(p, p + unit_length, next_N)) continue;
+    if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
+    spare->seed(p, p + unit_length);
+    if (!grow_imperfect(*spare)) continue;
+    keep_imperfect(spare, anchors, found);
+    spare = nullptr;
+  }
+  if (spare != nullptr) sat_alloc.give_back(spare);
+}
+
+bool CSearchController::grow_imperfect(Csat& seed) const {
+  extend_imperfect_forward(seed, seq.end());
+  extend_imperfect_backward(seed, seq.begin() - 1);
+  seed.remove_Ns_at_ends();
+  return is_accepted(seed);
+}
+
+void CSearchController::keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const {
+  sat->sort_missense();
+  anchors.cover(*sat);
+  found.push_back(sat);
+}

@@ -1,0 +1,54 @@
+#include "sequence/CFile.h"
+
+#include <sys/stat.h>
+
+namespace {
+
+bool is_directory(const std::string& filename) {
+  struct stat status {};
+  return stat(filename.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+}  // namespace
+
+CFile::CFile(const std::string& filename) : current(block), block_end(block) {
+  // A stream opens a directory without complaint and fails at the first read only.
+  if (is_directory(filename)) {
+    open_failed = true;
+    return;
+  }
+  rdbuf()->pubsetbuf(nullptr, 0);  // the block is the buffer: no second copy
+  open(filename, std::ios::in | std::ios::binary);
+  open_failed = fail();
+}
+
+CFile::~CFile() = default;
+
+bool CFile::refill_if_empty() {
+  if (current != block_end) return true;
+  read(block, block_size);
+  const std::streamsize got = gcount();
+  if (bad()) throw static_cast<int>(FASTA_READ_FAILED);
+  current = block;
+  block_end = block + got;
+  if (got == 0) at_eof = true;
+  return got != 0;
+}
+
+char CFile::getChar() {
+  if (!refill_if_empty()) return '\n';
+  const char c = *current++;
+  if (c != '\r') return c;
+  if (refill_if_empty() && *current++ != '\n') throw static_cast<int>(FASTA_LONE_CR);
+  return '\n';
+}
+
+void CFile::ungetChar() {
+  if (current == block) throw static_cast<int>(FASTA_CANNOT_PUSH_BACK);
+  --current;
+}
+
+CFile::Span CFile::available() {
+  refill_if_empty();
+  return {current, block_end};
+}

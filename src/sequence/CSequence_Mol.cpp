@@ -1,0 +1,101 @@
+#include "sequence/CSequence_Mol.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+/// What a byte of a sequence line is stored as; 0: not stored.
+constexpr std::array<char, 256> make_base_table() {
+  std::array<char, 256> table{};
+  for (int letter = 'A'; letter <= 'Z'; ++letter) {
+    const bool is_base = letter == 'A' || letter == 'C' || letter == 'G' || letter == 'T';
+    const char stored = letter == 'X' ? '\0' : is_base ? static_cast<char>(letter) : 'N';
+    table[static_cast<std::size_t>(letter)] = stored;
+    table[static_cast<std::size_t>(letter - 'A' + 'a')] = stored;
+  }
+  return table;
+}
+
+constexpr std::array<char, 256> base_table = make_base_table();
+
+/// The first line end in [from, to), or `to`.
+const char* find_line_end(const char* from, const char* to) {
+  const auto find = [](const char* begin, const char* end, char c) {
+    const auto* found = static_cast<const char*>(std::memchr(begin, c, static_cast<std::size_t>(end - begin)));
+    return found == nullptr ? end : found;
+  };
+  return find(from, find(from, to, '\n'), '\r');
+}
+
+}  // namespace
+
+void CSequence_Mol::readName(CFile& file) {
+  name.clear();
+  while (true) {
+    const CFile::Span span = file.available();
+    if (file.eof()) return;
+    const char* const line_end = find_line_end(span.begin, span.end);
+    name.append(span.begin, line_end);
+    file.consume(static_cast<std::size_t>(line_end - span.begin));
+    if (line_end == span.end) continue;
+    file.getChar();  // the line end; CR LF takes two bytes
+    if (!file.eof()) file.count_line();
+    return;
+  }
+}
+
+void CSequence_Mol::readFastaSequence(CFile& file) {
+  name.clear();
+  sequence.length = 0;
+  const char mark = file.getChar();
+  if (file.eof() || mark != '>') throw static_cast<int>(FASTA_HEADER_EXPECTED);
+  readName(file);
+  if (file.eof()) {
+    if (name.empty()) throw static_cast<int>(FASTA_HEADER_EXPECTED);
+    file.clear_eof();  // a header without a line end is an empty record; the next byte asked for ends the file again
+  }
+  while (true) {
+    const char c = file.getChar();
+    if (file.eof()) break;
+    file.ungetChar();
+    if (c == '>') break;
+    getLineOfDNA(file);
+  }
+  sequence.terminate();
+}
+
+void CSequence_Mol::getLineOfDNA(CFile& file) {
+  while (true) {
+    const CFile::Span span = file.available();
+    if (file.eof()) return;
+    const char* const line_end = find_line_end(span.begin, span.end);
+    if (sequence_type == 0) appendBases(span.begin, line_end);
+    file.consume(static_cast<std::size_t>(line_end - span.begin));
+    if (line_end == span.end) continue;
+    file.getChar();
+    file.count_line();
+    break;
+  }
+  if (sequence_type != 0) std::puts("Not implemented.");
+}
+
+void CSequence_Mol::appendBases(const char* from, const char* to) {
+  sequence.make_room_for(static_cast<std::size_t>(to - from));
+  char* out = sequence.buffer + sequence.length;
+  for (const char* p = from; p != to; ++p) {
+    const char base = base_table[static_cast<unsigned char>(*p)];
+    *out = base;  // overwritten by the next base where nothing is stored
+    out += base != '\0';
+  }
+  sequence.length = static_cast<std::size_t>(out - sequence.buffer);
+}
+
+void CSequence_Mol::writeSequence(std::FILE* out, int width) {
+  std::fprintf(out, ">%s\n", name.c_str());
+  const auto step = static_cast<std::size_t>(width);
+  for (std::size_t at = 0; at < sequence.length; at += step) {
+    std::fwrite(sequence.buffer + at, 1, std::min(step, sequence.length - at), out);
+    std::fputc('\n', out);
+  }
+}
