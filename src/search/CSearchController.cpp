@@ -15,7 +15,8 @@ CSearchController::CSearchController(unsigned number, CSequence_Mol& sequence)
       minScores_intern(4, 0, 1.0F),
       minLengths_intern(0, 0, 0.0F),
       rules{global_mismatch_score, global_indel_score, global_maximum_recursion_depth, global_Ns_allowed_in_a_row,
-            global_treat_Ns_as_missense} {}
+            global_treat_Ns_as_missense},
+      planes(sequence.begin(), sequence.end()) {}
 
 bool CSearchController::passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths) {
   const std::int64_t u = sat.unit_length();

@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <list>
+#include <vector>
 
 #include "satellite/Csat.h"
 #include "search/CAnchorSeq.h"
+#include "search/base_planes.h"
 #include "search/front.h"
 #include "search/thresholds.h"
 #include "sequence/CSequence_Mol.h"
@@ -97,11 +99,19 @@ class CSearchController {
   void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found);
   /// Grows the seed both ways, trims it and tests it.
   bool grow_imperfect(Csat& seed) const;
+
   void keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const;
+
+  /// Calls `try_seed` with the start of every seed of this unit length that may reach the active minimum score with at
+  /// most `depth` steps of lookahead, in ascending order, and lets the run status report.
+  template <typename TrySeed>
+  void for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed);
 
   ThresholdTable minScores_user;
   ThresholdTable minLengths_user;
   ThresholdTable minScores_intern;
   ThresholdTable minLengths_intern;
   ExtensionRules rules;
+  BasePlanes planes;
+  std::vector<std::uint64_t> candidates;
 };

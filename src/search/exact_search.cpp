@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "search/CSearchController.h"
+#include "search/candidate_scan.h"
 #include "sequence/global-types-and-parameters.h"
 
 namespace {
@@ -13,10 +14,6 @@ bool extend(Csat& sat, const char* limit, const ExtensionRules& rules) {
   const bool result = extend_exact(front, UnitCircle{sat.unit_begin, sat.unit_end}, limit, rules);
   front.store(sat);
   return result;
-}
-
-const char* skip_Ns(const char* p, const char* end) {
-  return std::find_if(p, end, [](char base) { return base != 'N'; });
 }
 
 }  // namespace
@@ -48,18 +45,18 @@ void CSearchController::exact_search_2() {
 
 /// Runs of one base are not written into the cover: the scan jumps over each, and they must not hide longer units.
 void CSearchController::search_exact_mononucleotides() {
-  const char* const end = seq.end();
   Csat* spare = nullptr;
-  for (const char* p = skip_Ns(seq.begin(), end); end - p > 1; p = skip_Ns(p + 1, end)) {
-    report_progress(p, 1);
+  const char* next_seed = seq.begin();
+  for_each_candidate(1, 0, [&](const char* p) {
+    if (p < next_seed || *p == 'N') return;
     if (spare == nullptr) spare = sat_alloc.take(p, p + 1);
     spare->seed(p, p + 1);
     extend_exact_both_ways(*spare);
-    if (!is_accepted(*spare)) continue;
+    if (!is_accepted(*spare)) return;
     exact_sats.sats.push_back(spare);
-    p = spare->pos_right_end - 1;
+    next_seed = spare->pos_right_end;
     spare = nullptr;
-  }
+  });
   if (spare != nullptr) sat_alloc.give_back(spare);
 }
 
@@ -67,19 +64,19 @@ void CSearchController::search_exact_mononucleotides() {
 /// unit or at a multiple of it. The cover is carried on to the longer units.
 void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq& cover) {
   const char* const end = seq.end();
-  const char* next_N = std::find(seq.begin(), end, 'N');
+  const char* next_N = seq.begin();
   Csat* spare = nullptr;
-  for (const char* p = seq.begin(); end - p > unit_length; ++p) {
-    report_progress(p, unit_length);
-    if (next_N < p) next_N = std::find(p, end, 'N');
-    if (!cover.admits(p, unit_length) || !valid_starting_pattern(p, p + unit_length, next_N)) continue;
+  for_each_candidate(unit_length, 0, [&](const char* p) {
+    if (!cover.admits(p, unit_length)) return;
+    next_N = first_N(p, next_N, end);
+    if (!valid_starting_pattern(p, p + unit_length, next_N)) return;
     if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
     spare->seed(p, p + unit_length);
     extend_exact_both_ways(*spare);
-    if (!is_accepted(*spare)) continue;
+    if (!is_accepted(*spare)) return;
     if (passes(*spare, minScores_user, minLengths_user)) cover.cover(*spare);
     exact_sats.sats.push_back(spare);
     spare = nullptr;
-  }
+  });
   if (spare != nullptr) sat_alloc.give_back(spare);
 }

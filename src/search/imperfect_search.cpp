@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "search/CSearchController.h"
+#include "search/candidate_scan.h"
 #include "sequence/global-types-and-parameters.h"
 
 void CSearchController::complete_imperfect_search() {
@@ -21,36 +22,33 @@ void CSearchController::complete_imperfect_search() {
 }
 
 void CSearchController::unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found) {
-  const char* const end = seq.end();
   Csat* spare = nullptr;
-  for (const char* p = seq.begin(); end - p > 1; ++p) {
-    if (*p == 'N') continue;
-    report_progress(p, 1);
-    if (!anchors.is_free(p)) continue;
+  for_each_candidate(1, rules.maximum_depth, [&](const char* p) {
+    if (*p == 'N' || !anchors.is_free(p)) return;
     if (spare == nullptr) spare = sat_alloc.take(p, p + 1);
     spare->seed(p, p + 1);
-    if (!grow_imperfect(*spare)) continue;
+    if (!grow_imperfect(*spare)) return;
     keep_imperfect(spare, anchors, found);
     spare = nullptr;
-  }
+  });
   if (spare != nullptr) sat_alloc.give_back(spare);
 }
 
 void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors,
                                                                std::list<Csat*>& found) {
   const char* const end = seq.end();
-  const char* next_N = std::find(seq.begin(), end, 'N');
+  const char* next_N = seq.begin();
   Csat* spare = nullptr;
-  for (const char* p = seq.begin(); end - p > unit_length; ++p) {
-    report_progress(p, unit_length);
-    if (next_N < p) next_N = std::find(p, end, 'N');
-    if (!anchors.admits(p, unit_length) || !valid_starting_pattern(p, p + unit_length, next_N)) continue;
+  for_each_candidate(unit_length, rules.maximum_depth, [&](const char* p) {
+    if (!anchors.admits(p, unit_length)) return;
+    next_N = first_N(p, next_N, end);
+    if (!valid_starting_pattern(p, p + unit_length, next_N)) return;
     if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
     spare->seed(p, p + unit_length);
-    if (!grow_imperfect(*spare)) continue;
+    if (!grow_imperfect(*spare)) return;
     keep_imperfect(spare, anchors, found);
     spare = nullptr;
-  }
+  });
   if (spare != nullptr) sat_alloc.give_back(spare);
 }
 

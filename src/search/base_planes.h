@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// The bases of one sequence as three bit planes, 64 bases a word: two bits that tell A, C, G and T apart, and one that
+/// marks N. Word 0 begins with the first base; base i is bit i % 64 of word i / 64. Positions outside the sequence read
+/// as N, so they never match.
+class BasePlanes {
+ public:
+  /// Half-open range [begin, end) of upper-case A, C, G, T, N.
+  BasePlanes(const char* begin, const char* end);
+
+  /// Words that hold bases.
+  std::size_t words() const { return words_; }
+
+  /// Sets matches[0 .. count) so that bit i of word j tells whether the base at 64 * (first_word + j) + i and the base
+  /// `lag` positions before it are equal and not N. `first_word` may lie outside the sequence.
+  void matches(std::int64_t first_word, std::size_t count, std::int64_t lag, std::uint64_t* matches) const;
+
+  /// Sets unknown[0 .. count) to the N bits of those words, shifted up by `lag`: bit i of word j is the base at
+  /// 64 * (first_word + j) + i - lag.
+  void unknown(std::int64_t first_word, std::size_t count, std::int64_t lag, std::uint64_t* unknown) const;
+
+ private:
+  std::size_t words_;
+  std::vector<std::uint64_t> low_;
+  std::vector<std::uint64_t> high_;
+  std::vector<std::uint64_t> unknown_;
+};

@@ -1,0 +1,37 @@
+#pragma once
+
+// The scan over the seeds of one unit length, shared by the exact and the imperfect search.
+
+#include <algorithm>
+
+#include "search/CSearchController.h"
+#include "search/seed_filter.h"
+
+/// The first N at or after `p`, or `end`, when `known` is the first N at or after some position before `p`.
+inline const char* first_N(const char* p, const char* known, const char* end) {
+  return known < p || (known != end && *known != 'N') ? std::find(p, end, 'N') : known;
+}
+
+template <typename TrySeed>
+void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed) {
+  const std::int64_t minimum_score = (*minScores)[unit_length];
+  const std::int64_t seeds = seq.end() - seq.begin() - unit_length;
+  if (seeds < minimum_score) return;  // no more bases than these lie outside the unit, each worth +1 at most
+
+  ExtensionRules scan_rules = rules;
+  scan_rules.maximum_depth = depth;
+  if (!SeedFilter::is_useful(unit_length, minimum_score, scan_rules)) {
+    for (const char* p = seq.begin(); p != seq.begin() + seeds; ++p) {
+      report_progress(p, unit_length);
+      try_seed(p);
+    }
+    return;
+  }
+
+  SeedFilter(planes, seq.begin(), seq.end()).mark_candidates(unit_length, minimum_score, scan_rules, candidates);
+  for (std::size_t word = 0; word < candidates.size(); ++word) {
+    const char* const first = seq.begin() + 64 * word;
+    report_progress(first, unit_length);
+    for (std::uint64_t rest = candidates[word]; rest != 0; rest &= rest - 1) try_seed(first + __builtin_ctzll(rest));
+  }
+}
