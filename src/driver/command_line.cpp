@@ -29,6 +29,20 @@ std::string score_rule(const char* closing) {
          closing;
 }
 
+/// The file names. The library would take any word that is left for a name, a misspelt option too; and then the name behind
+/// it for the output file. A word that begins with a dash is a name only behind "--".
+class FileNames : public TCLAP::UnlabeledMultiArg<std::string> {
+ public:
+  using UnlabeledMultiArg::UnlabeledMultiArg;
+
+  bool processArg(int* i, std::vector<std::string>& words) override {
+    const std::string& word = words[static_cast<std::size_t>(*i)];
+    const bool looks_like_option = word.size() > 1 && word[0] == '-';
+    if (looks_like_option && !TCLAP::Arg::ignoreRest()) return false;
+    return UnlabeledMultiArg::processArg(i, words);
+  }
+};
+
 /// The values of --searchMode.
 std::vector<std::string> search_modes() { return {"exact", "extendExact", "imperfect"}; }
 
@@ -64,7 +78,23 @@ struct Options {
   IntOption mismatchScore;
   IntOption indelScore;
   TCLAP::ValueArg<std::string> searchMode;
-  TCLAP::UnlabeledMultiArg<std::string> iofiles;
+  FileNames iofiles;
+};
+
+/// The library's own help and version options, the second with its short flag, which the library leaves out.
+struct StandardOptions {
+  explicit StandardOptions(TCLAP::CmdLine& cmd)
+      : output(cmd.getOutput()),
+        show_help(&cmd, &output),
+        show_version(&cmd, &output),
+        help("h", "help", "Displays usage information and exits.", cmd, false, &show_help),
+        version("v", "version", "Displays version information and exits.", cmd, false, &show_version) {}
+
+  TCLAP::CmdLineOutput* output;
+  TCLAP::HelpVisitor show_help;
+  TCLAP::VersionVisitor show_version;
+  TCLAP::SwitchArg help;
+  TCLAP::SwitchArg version;
 };
 
 Options::Options(TCLAP::CmdLine& cmd)
@@ -253,7 +283,9 @@ int store_and_check(Options& options, const char* program) {
 int read_and_init_parameters(int argc, const char* const* argv) {
   init_param();
   try {
-    TCLAP::CmdLine cmd("This program searches for tandemly repeated patterns in DNA sequences.", ' ', OSTREL_VERSION);
+    TCLAP::CmdLine cmd("This program searches for tandemly repeated patterns in DNA sequences.", ' ', OSTREL_VERSION,
+                       false);
+    StandardOptions standard(cmd);
     Options options(cmd);
     cmd.parse(argc, argv);
     return store_and_check(options, argv[0]);

@@ -100,12 +100,15 @@ class CSearchController {
   /// Grows the seed both ways, trims it and tests it.
   bool grow_imperfect(Csat& seed) const;
 
+  void prepare_candidates(std::int64_t unit_length);
   void keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const;
 
   /// Calls `try_seed` with the start of every seed of this unit length that may reach the active minimum score with at
   /// most `depth` steps of lookahead, in ascending order, and lets the run status report.
   template <typename TrySeed>
   void for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed);
+  template <typename TrySeed>
+  void for_each_set_bit(const std::vector<std::uint64_t>& bits, std::int64_t unit_length, TrySeed try_seed);
 
   ThresholdTable minScores_user;
   ThresholdTable minLengths_user;
@@ -114,4 +117,8 @@ class CSearchController {
   ExtensionRules rules;
   BasePlanes planes;
   std::vector<std::uint64_t> candidates;
+  /// Candidates of the unit lengths that the lag filter has decided, an inclusive range; none if last < first.
+  std::int64_t lag_range_first = 1;
+  std::int64_t lag_range_last = 0;
+  std::vector<std::vector<std::uint64_t>> lag_candidates;
 };

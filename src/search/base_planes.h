@@ -23,7 +23,18 @@ class BasePlanes {
   /// 64 * (first_word + j) + i - lag.
   void unknown(std::int64_t first_word, std::size_t count, std::int64_t lag, std::uint64_t* unknown) const;
 
+  /// The 64 bits of a plane from base `first` on, which must lie inside the sequence; beyond its end N, or any base.
+  std::uint64_t low_bits(std::int64_t first) const { return bits_from(low_, first); }
+  std::uint64_t high_bits(std::int64_t first) const { return bits_from(high_, first); }
+  std::uint64_t unknown_bits(std::int64_t first) const { return bits_from(unknown_, first); }
+
  private:
+  static std::uint64_t bits_from(const std::vector<std::uint64_t>& plane, std::int64_t first) {
+    const auto word = static_cast<std::size_t>(first / 64) + 1;  // one word stands in front
+    const auto bit = static_cast<unsigned>(first % 64);
+    return (plane[word] >> bit) | (plane[word + 1] << 1 << (63 - bit));
+  }
+
   std::size_t words_;
   std::vector<std::uint64_t> low_;
   std::vector<std::uint64_t> high_;

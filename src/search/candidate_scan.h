@@ -13,6 +13,16 @@ inline const char* first_N(const char* p, const char* known, const char* end) {
 }
 
 template <typename TrySeed>
+void CSearchController::for_each_set_bit(const std::vector<std::uint64_t>& bits, std::int64_t unit_length,
+                                         TrySeed try_seed) {
+  for (std::size_t word = 0; word < bits.size(); ++word) {
+    const char* const first = seq.begin() + 64 * word;
+    report_progress(first, unit_length);
+    for (std::uint64_t rest = bits[word]; rest != 0; rest &= rest - 1) try_seed(first + __builtin_ctzll(rest));
+  }
+}
+
+template <typename TrySeed>
 void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed) {
   const std::int64_t minimum_score = (*minScores)[unit_length];
   const std::int64_t seeds = seq.end() - seq.begin() - unit_length;
@@ -20,18 +30,15 @@ void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_
 
   ExtensionRules scan_rules = rules;
   scan_rules.maximum_depth = depth;
-  if (!SeedFilter::is_useful(unit_length, minimum_score, scan_rules)) {
+  if (unit_length >= lag_range_first && unit_length <= lag_range_last) {
+    for_each_set_bit(lag_candidates[static_cast<std::size_t>(unit_length - lag_range_first)], unit_length, try_seed);
+  } else if (SeedFilter::is_useful(unit_length, minimum_score, scan_rules)) {
+    SeedFilter(planes, seq.begin(), seq.end()).mark_candidates(unit_length, minimum_score, scan_rules, candidates);
+    for_each_set_bit(candidates, unit_length, try_seed);
+  } else {
     for (const char* p = seq.begin(); p != seq.begin() + seeds; ++p) {
       report_progress(p, unit_length);
       try_seed(p);
     }
-    return;
-  }
-
-  SeedFilter(planes, seq.begin(), seq.end()).mark_candidates(unit_length, minimum_score, scan_rules, candidates);
-  for (std::size_t word = 0; word < candidates.size(); ++word) {
-    const char* const first = seq.begin() + 64 * word;
-    report_progress(first, unit_length);
-    for (std::uint64_t rest = candidates[word]; rest != 0; rest &= rest - 1) try_seed(first + __builtin_ctzll(rest));
   }
 }

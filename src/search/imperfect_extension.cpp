@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "search/CSearchController.h"
+#include "search/lookahead_window.h"
 
 namespace {
 
@@ -13,12 +14,14 @@ namespace {
 template <bool forward>
 class ImperfectWalk {
  public:
-  ImperfectWalk(Csat& record, const char* sequence_limit, const ExtensionRules& extension_rules)
+  ImperfectWalk(Csat& record, const char* sequence_limit, const ExtensionRules& extension_rules,
+                const BasePlanes& planes, const char* first_base)
       : sat(record),
         circle{record.unit_begin, record.unit_end},
         limit(sequence_limit),
         rules(extension_rules),
-        bound(-circle.length()) {}
+        bound(-circle.length()),
+        window(planes, first_base, circle, extension_rules) {}
 
   /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the record
   /// takes the earliest state of the highest score on that way. A later state of equal score is not worth its events.
@@ -75,6 +78,12 @@ class ImperfectWalk {
   /// The first step of the best combination of steps within the lookahead: 'M', 'I', 'D', or '-' when none is permitted.
   /// On equal values a mismatch wins over an insertion and that over a deletion.
   char choose_step(const FrontState& front) {
+    const bool mismatch = mismatch_permitted(front);
+    const bool indel = indel_permitted(front);
+    if (!mismatch && !indel) return '-';
+    const char obvious = window.choose(front, limit, mismatch, indel);
+    if (obvious != '?') return obvious;
+
     std::int64_t best = bound - 1;
     char choice = '-';
     const auto offer = [&](char kind, std::int64_t value) {
@@ -82,8 +91,8 @@ class ImperfectWalk {
       best = value;
       choice = kind;
     };
-    if (mismatch_permitted(front)) offer('M', lookahead(after_mismatch(front)));
-    if (indel_permitted(front)) {
+    if (mismatch) offer('M', lookahead(after_mismatch(front)));
+    if (indel) {
       offer('I', lookahead(after_insertion(front)));
       offer('D', lookahead(after_deletion(front)));
     }
@@ -161,6 +170,7 @@ class ImperfectWalk {
   const char* const limit;
   const ExtensionRules& rules;
   const std::int64_t bound;
+  LookaheadWindow<forward> window;
   std::vector<FrontState> level;
   std::vector<FrontState> next_level;
 };
@@ -168,9 +178,9 @@ class ImperfectWalk {
 }  // namespace
 
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* seq_end) const {
-  ImperfectWalk<true>(sat, seq_end, rules).run();
+  ImperfectWalk<true>(sat, seq_end, rules, planes, seq.begin()).run();
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_limit) const {
-  ImperfectWalk<false>(sat, left_limit + 1, rules).run();
+  ImperfectWalk<false>(sat, left_limit + 1, rules, planes, seq.begin()).run();
 }

@@ -4,6 +4,7 @@
 
 #include "search/CSearchController.h"
 #include "search/candidate_scan.h"
+#include "search/lag_filter.h"
 #include "sequence/global-types-and-parameters.h"
 
 void CSearchController::complete_imperfect_search() {
@@ -16,6 +17,7 @@ void CSearchController::complete_imperfect_search() {
     first = 2;
   }
   for (std::int64_t length = first; length <= longest_unit(); ++length) {
+    prepare_candidates(length);
     one_unit_len_complete_imperfect_search(length, anchors, imperfect_sats.sats);
   }
   imperfect_sats.sats.sort(lessThan_sat);
@@ -50,6 +52,21 @@ void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit
     spare = nullptr;
   });
   if (spare != nullptr) sat_alloc.give_back(spare);
+}
+
+/// The lag filter decides a range of unit lengths at a time; a unit length outside the present range begins the next one.
+void CSearchController::prepare_candidates(std::int64_t unit_length) {
+  if (unit_length <= lag_range_last) return;
+  lag_range_first = unit_length;
+  lag_range_last = unit_length - 1;
+  const auto useful = [this](std::int64_t L) {
+    return !SeedFilter::is_useful(L, (*minScores)[L], rules) && LagFilter::is_useful(L, (*minScores)[L], rules);
+  };
+  const LagFilter filter(seq.begin(), seq.end(), rules);
+  const std::int64_t last = filter.end_of_range(unit_length, longest_unit());
+  while (lag_range_last < last && useful(lag_range_last + 1)) ++lag_range_last;
+  if (lag_range_last < lag_range_first) return;
+  filter.mark_candidates(lag_range_first, lag_range_last, *minScores, lag_candidates);
 }
 
 bool CSearchController::grow_imperfect(Csat& seed) const {

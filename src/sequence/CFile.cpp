@@ -11,7 +11,8 @@ bool is_directory(const std::string& filename) {
 
 }  // namespace
 
-CFile::CFile(const std::string& filename) : current(block), block_end(block) {
+CFile::CFile(const std::string& filename) 
+    : block(new char[block_size]), current(block.get()), block_end(block.get()) {
   // A stream opens a directory without complaint and fails at the first read only.
   if (is_directory(filename)) {
     open_failed = true;
@@ -26,11 +27,11 @@ CFile::~CFile() = default;
 
 bool CFile::refill_if_empty() {
   if (current != block_end) return true;
-  read(block, block_size);
+  read(block.get(), block_size);
   const std::streamsize got = gcount();
   if (bad()) throw static_cast<int>(FASTA_READ_FAILED);
-  current = block;
-  block_end = block + got;
+  current = block.get();
+  block_end = current + got;
   if (got == 0) at_eof = true;
   return got != 0;
 }
@@ -44,7 +45,7 @@ char CFile::getChar() {
 }
 
 void CFile::ungetChar() {
-  if (current == block) throw static_cast<int>(FASTA_CANNOT_PUSH_BACK);
+  if (current == block.get()) throw static_cast<int>(FASTA_CANNOT_PUSH_BACK);
   --current;
 }
 

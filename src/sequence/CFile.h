@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
+#include <memory>
 #include <string>
 
 /// The errors of a FASTA input, thrown as plain integers and caught by the driver.
@@ -65,7 +66,7 @@ class CFile : private std::ifstream {
 
   std::uint64_t finished_lines = 0;
   bool at_eof = false;
+  std::unique_ptr<char[]> block;
   char* current;
   char* block_end;
-  char block[block_size];
 };

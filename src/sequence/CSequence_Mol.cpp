@@ -11,8 +11,9 @@ constexpr std::array<char, 256> make_base_table() {
   for (int letter = 'A'; letter <= 'Z'; ++letter) {
     const bool is_base = letter == 'A' || letter == 'C' || letter == 'G' || letter == 'T';
     const char stored = letter == 'X' ? '\0' : is_base ? static_cast<char>(letter) : 'N';
+    constexpr std::size_t to_lower = 'a' - 'A';
     table[static_cast<std::size_t>(letter)] = stored;
-    table[static_cast<std::size_t>(letter - 'A' + 'a')] = stored;
+    table[static_cast<std::size_t>(letter) + to_lower] = stored;
   }
   return table;
 }
