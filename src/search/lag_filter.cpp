@@ -46,7 +46,7 @@ LagTask make_task(std::int64_t first, std::int64_t last, const ThresholdTable& m
   task.longest_insertion = longest_drift(last, most, rules);
   task.first_lag = std::max<std::int64_t>(1, first - longest_drift(first, most, rules));
   task.lanes = static_cast<std::size_t>((last + task.longest_insertion - task.first_lag) / 64 + 1) * 64;
-  task.line_distance = std::max<std::int64_t>(1, first / 6);
+  task.line_distance = std::max<std::int64_t>(1, first / 4);
   task.mismatch = clamped(std::min(-rules.mismatch_score, -2 * rules.indel_score));
   task.indel = clamped(-rules.indel_score);
   task.start = clamped(most + 16);
@@ -139,7 +139,7 @@ std::int64_t LagFilter::end_of_range(std::int64_t first, std::int64_t last) cons
   const std::int64_t bases = std::max<std::int64_t>(1, end_ - begin_);
   const std::int64_t affordable = 4 + 8 * free_bytes / bases;
   // Lines lie as far apart as the shortest unit of the range bears, so a wide range would need many of them.
-  return std::min({last, first + affordable - 1, first + first / 2, longest_unit});
+  return std::min({last, first + affordable - 1, first + first / 1, longest_unit});
 }
 
 void LagFilter::mark_candidates(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,

@@ -68,12 +68,10 @@ class Programme {
   std::int64_t row_bytes() const { return static_cast<std::int64_t>(task_.lanes / 8); }
 
   /// Row 0 of every table holds the gains, the others the crossings to the lines, in turn.
-  std::size_t slot_of(std::int64_t line) const {
-    return 1 + static_cast<std::size_t>(line / task_.line_distance) % lines_;
-  }
+  std::size_t slot_of(std::int64_t line_number) const { return 1 + static_cast<std::size_t>(line_number) % lines_; }
 
   void start_line(std::int64_t line) {
-    std::fill_n(values_[slot_of(line)], task_.lanes, static_cast<Value>(task_.start));
+    std::fill_n(values_[slot_of(line / task_.line_distance)], task_.lanes, static_cast<Value>(task_.start));
   }
 
   /// All ones where the bases match. An N of the sequence counts as a match: crossing it costs nothing.
@@ -105,13 +103,16 @@ class Programme {
     const auto one = hn::Set(d, Value{1});
     const auto mismatch = hn::Set(d, clamped(task_.mismatch));
     const auto indel = hn::Set(d, clamped(task_.indel));
-    for (std::size_t row = 0; row <= lines_; ++row) {
+    const std::size_t lanes = task_.lanes;  // in a local, for the stores below could change a member
+    const std::size_t rows = lines_ + 1;
+    const Value* const match = match_[0];
+    for (std::size_t row = 0; row < rows; ++row) {
       const Value* const before = values_[row];
       Value* const matched = matched_[row];
       Value* const direct = direct_[row];
-      for (std::size_t i = 0; i < task_.lanes; i += width()) {
+      for (std::size_t i = 0; i < lanes; i += width()) {
         const auto value = hn::LoadU(d, before + i);
-        const auto with_match = hn::And(hn::SaturatedAdd(value, one), hn::LoadU(d, match_[0] + i));
+        const auto with_match = hn::And(hn::SaturatedAdd(value, one), hn::LoadU(d, match + i));
         const auto deletion = hn::SaturatedSub(hn::LoadU(d, before + i - 1), indel);
         hn::StoreU(with_match, d, matched + i);
         hn::StoreU(hn::Max(hn::Max(with_match, deletion), hn::SaturatedSub(value, mismatch)), d, direct + i);
@@ -122,23 +123,36 @@ class Programme {
   /// Insertions, any number in a row and then a match; before any other step they may as well come after it. The
   /// table `matched_` becomes the best of 0 to 2^k - 1 insertions and a match in k passes.
   void insert_bases() {
-    const Tag d;
     const std::int64_t most = std::numeric_limits<Value>::max();
     for (std::int64_t step = 1; step < task_.longest_insertion && step * task_.indel < most; step *= 2) {
-      const auto cost = hn::Set(d, clamped(step * task_.indel));
-      for (std::size_t row = 0; row <= lines_; ++row) {
-        Value* const matched = matched_[row];
-        for (std::size_t i = 0; i < task_.lanes; i += width()) {
-          const auto further = hn::SaturatedSub(hn::LoadU(d, matched + i + step), cost);
-          hn::StoreU(hn::Max(hn::LoadU(d, matched + i), further), d, matched + i);
-        }
+      insert_up_to(static_cast<std::size_t>(step));
+    }
+    const Tag d;
+    const auto indel = hn::Set(d, clamped(task_.indel));
+    const std::size_t lanes = task_.lanes;
+    const std::size_t rows = lines_ + 1;
+    for (std::size_t row = 0; row < rows; ++row) {
+      const Value* const matched = matched_[row];
+      const Value* const direct = direct_[row];
+      Value* const values = values_[row];
+      for (std::size_t i = 0; i < lanes; i += width()) {
+        const auto insertion = hn::SaturatedSub(hn::LoadU(d, matched + i + 1), indel);
+        hn::StoreU(hn::Max(hn::LoadU(d, direct + i), insertion), d, values + i);
       }
     }
-    const auto indel = hn::Set(d, clamped(task_.indel));
-    for (std::size_t row = 0; row <= lines_; ++row) {
-      for (std::size_t i = 0; i < task_.lanes; i += width()) {
-        const auto insertion = hn::SaturatedSub(hn::LoadU(d, matched_[row] + i + 1), indel);
-        hn::StoreU(hn::Max(hn::LoadU(d, direct_[row] + i), insertion), d, values_[row] + i);
+  }
+
+  /// Allows `step` more insertions to what `matched_` holds.
+  void insert_up_to(std::size_t step) {
+    const Tag d;
+    const auto cost = hn::Set(d, clamped(static_cast<std::int64_t>(step) * task_.indel));
+    const std::size_t lanes = task_.lanes;
+    const std::size_t rows = lines_ + 1;
+    for (std::size_t row = 0; row < rows; ++row) {
+      Value* const matched = matched_[row];
+      for (std::size_t i = 0; i < lanes; i += width()) {
+        const auto further = hn::SaturatedSub(hn::LoadU(d, matched + i + step), cost);
+        hn::StoreU(hn::Max(hn::LoadU(d, matched + i), further), d, matched + i);
       }
     }
   }
@@ -152,18 +166,22 @@ class Programme {
   /// The seed of unit length L is decided by the last line that is at most L unit positions ahead.
   void decide(std::int64_t x, std::uint8_t* certified) {
     const Tag d;
-    const std::int64_t first_line = (x + task_.first_unit) / task_.line_distance * task_.line_distance;
     const auto in_line = hn::Set(d, static_cast<Value>(task_.line_distance));
+    const std::int64_t first_number = (x + task_.first_unit) / task_.line_distance;
+    const std::size_t first_slot = slot_of(first_number);
     for (std::size_t i = 0; i < task_.lanes; i += width()) {
       const auto lags = hn::LoadU(d, lags_[0] + i);
       const auto crossing_limit = hn::LoadU(d, limits_[1] + i);
       auto ended = hn::Zero(d);
-      for (std::int64_t line = first_line; line <= x + task_.last_unit; line += task_.line_distance) {
-        const auto beyond = hn::Sub(lags, hn::Set(d, static_cast<Value>(line - x)));
+      std::size_t slot = first_slot;
+      std::int64_t ahead = first_number * task_.line_distance - x;
+      for (; ahead <= task_.last_unit; ahead += task_.line_distance) {
+        const auto beyond = hn::Sub(lags, hn::Set(d, static_cast<Value>(ahead)));
         // less than the distance, as unsigned values
         const auto here = hn::VecFromMask(d, hn::Ne(hn::Max(beyond, in_line), beyond));
-        const auto lost = at_most(d, hn::LoadU(d, values_[slot_of(line)] + i), crossing_limit);
+        const auto lost = at_most(d, hn::LoadU(d, values_[slot] + i), crossing_limit);
         ended = hn::Or(ended, hn::And(here, lost));
+        slot = slot == lines_ ? 1 : slot + 1;
       }
       const auto poor = at_most(d, hn::LoadU(d, values_[0] + i), hn::LoadU(d, limits_[0] + i));
       const auto verdict = hn::And(ended, poor);

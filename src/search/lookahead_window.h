@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
+#include <utility>
 
 #include "search/base_planes.h"
 #include "search/front.h"
@@ -9,15 +11,15 @@
 /// 128 bits in one value; a compiler extension that g++ and clang have on every 64-bit machine.
 __extension__ using Bits128 = unsigned __int128;
 
-/// Decides most steps of an imperfect walk without a lookahead.
+/// Decides the steps of an imperfect walk on one bit for each comparison, for 64 sequence positions and all lags within
+/// reach, instead of base by base.
 ///
-/// A further step can only pay off where, after some step, more bases match in a row than the mildest penalty costs. If
-/// there is no such run anywhere within reach of the lookahead, the value of a first step is its own score, and the best
-/// of the three is found by comparing three runs of matches. The window holds, for 64 sequence positions and all lags
-/// within reach, one bit for each comparison.
+/// A further step can only pay off where, after it, more bases match in a row than the mildest penalty costs: a long run.
+/// Where none is within reach of the lookahead, the value of a first step is its own score, and the best of the three is
+/// found by comparing three runs of matches. Otherwise the lookahead is done, cut off wherever no long run is in reach.
 ///
-/// The window stays valid for the walk that it was made for: one unit, one direction. It says nothing, and the lookahead
-/// must be done, near N and the sequence's ends, where a long run is near, and for depths or penalties beyond its width.
+/// The window stays valid for the walk that it was made for: one unit, one direction. It says nothing near N and the
+/// sequence's ends, where matches run out of it, and for depths or penalties beyond its width.
 template <bool forward>
 class LookaheadWindow {
  public:
@@ -29,33 +31,135 @@ class LookaheadWindow {
         circle_(circle),
         rules_(rules),
         long_run_(std::min(-rules.mismatch_score, -rules.indel_score) + 1),
-        reach_((std::min(rules.maximum_depth, std::int64_t{64}) - 1) * long_run_ + 2),
-        usable_(rules.maximum_depth >= 1 && rules.maximum_depth <= 8 && long_run_ <= 16 &&
-                reach_ + long_run_ <= width) {}
+        usable_(rules.maximum_depth >= 1 && rules.maximum_depth <= most_depth && long_run_ <= 16 &&
+                reach(rules.maximum_depth) <= width) {}
 
-  /// The better first step of a walk that has stopped at `front`, of those permitted: 'M', 'I' or 'D'; '?' if only the
-  /// lookahead can tell. `limit` is where the sequence ends for this direction.
+  /// The best first step of a walk that has stopped at `front`, of those permitted: 'M', 'I' or 'D'; '?' if the window
+  /// cannot tell. `limit` is where the sequence ends for this direction.
   char choose(const Front<forward>& front, const char* limit, bool mismatch_permitted, bool indel_permitted) {
     if (!usable_ || !locate(front, limit)) return '?';
-    if (long_run_within_reach()) return '?';
-    char choice = '?';
-    std::int64_t best = INT64_MIN;
-    const auto offer = [&](char kind, std::int64_t value) {
-      if (value <= best) return;
-      best = value;
-      choice = kind;
-    };
-    if (mismatch_permitted) offer('M', rules_.mismatch_score + run(1, 0));
-    if (indel_permitted) {
-      offer('I', rules_.indel_score + run(1, 1));
-      offer('D', rules_.indel_score + run(0, -1));
+    Node here{position_, drift_, front.score};
+    const bool plain = no_long_run_in_reach(here, rules_.maximum_depth);
+    if (!plain && position_ > 0) {  // the lookahead needs all the room there is
+      made_ = make(front, limit);
+      if (!made_ || !place(front)) return '?';
+      here = {position_, drift_, front.score};
     }
-    return choice;
+    Choice choice;
+    if (mismatch_permitted) offer(choice, 'M', after_mismatch(here), plain);
+    if (indel_permitted) {
+      offer(choice, 'I', after_insertion(here), plain);
+      offer(choice, 'D', after_deletion(here), plain);
+    }
+    return choice.unknown ? '?' : choice.kind;
   }
 
  private:
   static constexpr std::int64_t width = 64;       ///< positions
   static constexpr std::int64_t most_drift = 12;  ///< lags on either side
+  static constexpr std::int64_t most_depth = 8;
+  static constexpr std::size_t most_nodes = 96;   ///< of one level of the lookahead
+
+  /// A state of the walk: bases taken and lag changed since the anchor.
+  struct Node {
+    std::int64_t position;
+    std::int64_t drift;
+    std::int64_t score;
+  };
+
+  struct Level {
+    Node nodes[most_nodes];
+    std::size_t size = 0;
+  };
+
+  struct Choice {
+    char kind = '?';
+    std::int64_t value = INT64_MIN;
+    bool unknown = false;
+  };
+
+  Node after_mismatch(const Node& n) const { return {n.position + 1, n.drift, n.score + rules_.mismatch_score}; }
+  Node after_insertion(const Node& n) const { return {n.position + 1, n.drift + 1, n.score + rules_.indel_score}; }
+  Node after_deletion(const Node& n) const { return {n.position, n.drift - 1, n.score + rules_.indel_score}; }
+
+  /// On equal values the kind offered first stays.
+  void offer(Choice& choice, char kind, const Node& first, bool plain) {
+    std::int64_t value = 0;
+    if (plain) {
+      value = first.score + run(first);
+    } else if (!look_ahead(first, value)) {
+      choice.unknown = true;
+    }
+    if (value <= choice.value) return;
+    choice.value = value;
+    choice.kind = kind;
+  }
+
+  /// The highest score within the lookahead after a first step; false if it leaves the window.
+  bool look_ahead(const Node& first, std::int64_t& best) {
+    best = first.score;
+    Level* level = &levels_[0];
+    Level* next = &levels_[1];
+    level->size = 1;
+    level->nodes[0] = first;
+    for (std::int64_t left = rules_.maximum_depth - 1; level->size > 0; --left) {
+      next->size = 0;
+      for (std::size_t i = 0; i < level->size; ++i) {
+        Node node = level->nodes[i];
+        const std::int64_t matches = run(node);
+        node.position += matches;
+        node.score += matches;
+        best = std::max(best, node.score);
+        if (node.position >= width) return false;  // the run may go on outside
+        if (left == 0) continue;
+        if (node.position + reach(left) > width) return false;
+        if (!no_long_run_in_reach(node, left) && !push_steps(node, *next)) return false;
+      }
+      std::swap(level, next);
+    }
+    return true;
+  }
+
+  bool push_steps(const Node& node, Level& next) {
+    const std::int64_t bound = -circle_.length();
+    if (node.score + rules_.mismatch_score > bound && !push(after_mismatch(node), next)) return false;
+    if (node.score + rules_.indel_score <= bound) return true;
+    return push(after_insertion(node), next) && push(after_deletion(node), next);
+  }
+
+  /// Of two ways into one state the higher-scoring one is enough.
+  bool push(const Node& node, Level& next) {
+    for (std::size_t i = 0; i < next.size; ++i) {
+      Node& other = next.nodes[i];
+      if (other.position != node.position || other.drift != node.drift) continue;
+      other.score = std::max(other.score, node.score);
+      return true;
+    }
+    if (next.size == most_nodes) return false;
+    next.nodes[next.size++] = node;
+    return true;
+  }
+
+  /// Positions of the window that matter for a state with `steps` steps left: those at which a run may begin, each run on
+  /// the way being shorter than a long one, and the long run that may begin at the last.
+  std::int64_t reach(std::int64_t steps) const { return starts(steps) + long_run_; }
+  std::int64_t starts(std::int64_t steps) const { return (steps - 1) * long_run_ + 2; }
+
+  /// Whether no run that pays for its step begins where `steps` steps can lead from a state that has stopped.
+  bool no_long_run_in_reach(const Node& node, std::int64_t steps) const {
+    const std::int64_t count = starts(steps);
+    return forward ? (long_runs_ >> node.position & low_bits(count)) == 0
+                   : long_runs_ << node.position >> (width - count) == 0;
+  }
+
+  /// The matches in a row from a state on.
+  std::int64_t run(const Node& node) const {
+    const std::uint64_t matches = matches_[node.drift + most_drift];
+    if (node.position >= width) return 0;
+    const std::uint64_t misses = forward ? ~matches >> node.position : ~matches << node.position;
+    if (misses == 0) return width - node.position;
+    return forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
+  }
 
   static std::uint64_t low_bits(std::int64_t n) { return n >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << n) - 1; }
 
@@ -68,7 +172,7 @@ class LookaheadWindow {
 
   bool place(const Front<forward>& front) {
     position_ = forward ? front.position - anchor_position_ : anchor_position_ - front.position;
-    if (position_ < 0 || position_ + reach_ + long_run_ > width) return false;
+    if (position_ < 0 || position_ + reach(rules_.maximum_depth) > width) return false;
     const std::int64_t unit_steps = forward ? front.unit - anchor_unit_ : anchor_unit_ - front.unit;
     const auto length = static_cast<std::int32_t>(circle_.length());
     auto drift = static_cast<std::int32_t>(position_ - unit_steps) % length;  // the unit is a circle
@@ -137,26 +241,11 @@ class LookaheadWindow {
     return starts;
   }
 
-  bool long_run_within_reach() const {
-    return forward ? (long_runs_ >> position_ & low_bits(reach_)) != 0
-                   : long_runs_ << position_ >> (width - reach_) != 0;
-  }
-
-  /// The matches in a row after `bases` more sequence bases, at a lag changed by `drift`.
-  std::int64_t run(std::int64_t bases, std::int64_t drift) const {
-    const std::uint64_t matches = matches_[drift_ + drift + most_drift];
-    const std::int64_t skip = position_ + bases;
-    const std::uint64_t misses = forward ? ~matches >> skip : ~matches << skip;
-    if (misses == 0) return width;
-    return forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
-  }
-
   const BasePlanes& planes_;
   const char* const first_base_;
   const UnitCircle circle_;
   const ExtensionRules& rules_;
   const std::int64_t long_run_;  ///< matches in a row that pay for a step
-  const std::int64_t reach_;     ///< positions at which a run within the lookahead may begin
   const bool usable_;
 
   bool made_ = false;
@@ -165,5 +254,6 @@ class LookaheadWindow {
   std::int64_t position_ = 0;  ///< of the front, in bases taken since the anchor
   std::int64_t drift_ = 0;     ///< of the front: sequence bases less unit bases taken since the anchor
   std::uint64_t long_runs_ = 0;
-  std::uint64_t matches_[2 * most_drift + 1] = {};
+  std::uint64_t matches_[2 * most_drift + 1];
+  Level levels_[2];
 };
