@@ -4,14 +4,15 @@
 
 #include "search/CSearchController.h"
 #include "search/candidate_scan.h"
+#include "search/unit_runs.h"
 #include "sequence/global-types-and-parameters.h"
 
 namespace {
 
 template <bool forward>
-bool extend(Csat& sat, const char* limit, const ExtensionRules& rules) {
+bool extend(Csat& sat, const char* limit, const ExtensionRules& rules, const UnitRuns& runs) {
   auto front = Front<forward>::of(sat);
-  const bool result = extend_exact(front, UnitCircle{sat.unit_begin, sat.unit_end}, limit, rules);
+  const bool result = runs.extend_exact(front, limit, rules);
   front.store(sat);
   return result;
 }
@@ -19,11 +20,11 @@ bool extend(Csat& sat, const char* limit, const ExtensionRules& rules) {
 }  // namespace
 
 bool CSearchController::extend_exact_forward(Csat& sat, const char* stop) const {
-  return extend<true>(sat, stop, rules);
+  return extend<true>(sat, stop, rules, UnitRuns(planes, seq.begin(), {sat.unit_begin, sat.unit_end}));
 }
 
 bool CSearchController::extend_exact_backward(Csat& sat, const char* stop) const {
-  return extend<false>(sat, stop + 1, rules);
+  return extend<false>(sat, stop + 1, rules, UnitRuns(planes, seq.begin(), {sat.unit_begin, sat.unit_end}));
 }
 
 void CSearchController::extend_exact_both_ways(Csat& sat) const {

@@ -7,6 +7,7 @@
 
 #include "search/CSearchController.h"
 #include "search/lookahead_window.h"
+#include "search/unit_runs.h"
 
 namespace {
 
@@ -21,7 +22,8 @@ class ImperfectWalk {
         limit(sequence_limit),
         rules(extension_rules),
         bound(-circle.length()),
-        window(planes, first_base, circle, extension_rules) {}
+        runs(planes, first_base, circle),
+        window(planes, runs, first_base, circle, extension_rules) {}
 
   /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the record
   /// takes the earliest state of the highest score on that way. A later state of equal score is not worth its events.
@@ -30,7 +32,7 @@ class ImperfectWalk {
     State best;
     bool is_first = true;
     while (true) {
-      const bool way_is_free = extend_exact(state.front, circle, limit, rules);
+      const bool way_is_free = runs.extend_exact(state.front, limit, rules);
       if (is_first || state.front.score > best.front.score) best = state;
       is_first = false;
       if (!way_is_free || rules.maximum_depth == 0 || state.front.position == limit) break;
@@ -109,7 +111,7 @@ class ImperfectWalk {
     for (std::int64_t depth = 1; !level.empty(); ++depth) {
       next_level.clear();
       for (FrontState& front : level) {
-        const bool way_is_free = extend_exact(front, circle, limit, rules);
+        const bool way_is_free = runs.extend_exact(front, limit, rules);
         best = std::max(best, front.score);
         if (way_is_free && depth < rules.maximum_depth && front.position != limit) push_steps(front);
       }
@@ -170,6 +172,7 @@ class ImperfectWalk {
   const char* const limit;
   const ExtensionRules& rules;
   const std::int64_t bound;
+  const UnitRuns runs;
   LookaheadWindow<forward> window;
   std::vector<FrontState> level;
   std::vector<FrontState> next_level;

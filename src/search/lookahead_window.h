@@ -7,6 +7,7 @@
 
 #include "search/base_planes.h"
 #include "search/front.h"
+#include "search/unit_runs.h"
 
 /// 128 bits in one value; a compiler extension that g++ and clang have on every 64-bit machine.
 __extension__ using Bits128 = unsigned __int128;
@@ -23,10 +24,11 @@ __extension__ using Bits128 = unsigned __int128;
 template <bool forward>
 class LookaheadWindow {
  public:
-  /// `first_base` is the sequence that `planes` was made of. `circle` is the unit of the walk.
-  LookaheadWindow(const BasePlanes& planes, const char* first_base, const UnitCircle& circle,
+  /// `first_base` is the sequence that `planes` was made of. `circle` is the unit of the walk, `runs` its matches.
+  LookaheadWindow(const BasePlanes& planes, const UnitRuns& runs, const char* first_base, const UnitCircle& circle,
                   const ExtensionRules& rules)
       : planes_(planes),
+        runs_(runs),
         first_base_(first_base),
         circle_(circle),
         rules_(rules),
@@ -192,11 +194,12 @@ class LookaheadWindow {
     const std::uint64_t low = planes_.low_bits(first);
     const std::uint64_t high = planes_.high_bits(first);
 
-    // Bit j of the unrolled unit is the unit base j steps after this one.
+    // Bit j of the repeated unit is the unit base j steps after this one.
     const std::int64_t start = front.unit - circle_.begin - most_drift - (forward ? 0 : width - 1);
-    Bits128 unit_low = 0;
-    Bits128 unit_high = 0;
-    unroll(start, unit_low, unit_high);
+    const std::int64_t phase = runs_.wrapped(start);
+    const std::int64_t later = runs_.wrapped(phase + width);
+    const Bits128 unit_low = joined(runs_.low_bits(phase), runs_.low_bits(later));
+    const Bits128 unit_high = joined(runs_.high_bits(phase), runs_.high_bits(later));
     long_runs_ = 0;
     for (std::int64_t drift = -most_drift; drift <= most_drift; ++drift) {
       const auto shift = static_cast<unsigned>(most_drift + (forward ? -drift : drift));
@@ -208,26 +211,7 @@ class LookaheadWindow {
     return true;
   }
 
-  /// The unit's bits from `start` on, round the circle, 128 of them; `start` may be negative.
-  void unroll(std::int64_t start, Bits128& low, Bits128& high) const {
-    const std::int64_t length = circle_.length();
-    const std::int64_t unit = circle_.begin - first_base_;
-    std::int64_t at = ((start % length) + length) % length;
-    std::int64_t filled = 0;
-    // Once a whole unit has been taken, the rest is a copy of what is there.
-    const std::int64_t wanted = std::min<std::int64_t>(128, length);
-    while (filled < wanted) {
-      const std::int64_t count = std::min({length - at, wanted - filled, width});
-      low |= static_cast<Bits128>(planes_.low_bits(unit + at) & low_bits(count)) << filled;
-      high |= static_cast<Bits128>(planes_.high_bits(unit + at) & low_bits(count)) << filled;
-      filled += count;
-      at = at + count == length ? 0 : at + count;
-    }
-    for (; filled < 128; filled *= 2) {
-      low |= low << filled;
-      high |= high << filled;
-    }
-  }
+  static Bits128 joined(std::uint64_t low, std::uint64_t high) { return (Bits128{high} << 64) | low; }
 
   /// The positions, in the direction of the walk, at which at least `long_run_` matches begin.
   std::uint64_t starts_of_long_runs(std::uint64_t matches) const {
@@ -242,6 +226,7 @@ class LookaheadWindow {
   }
 
   const BasePlanes& planes_;
+  const UnitRuns& runs_;
   const char* const first_base_;
   const UnitCircle circle_;
   const ExtensionRules& rules_;

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "search/base_planes.h"
+#include "search/front.h"
+
+/// Counts matches between the sequence and the endlessly repeated unit, 64 bases at a time.
+///
+/// The unit is the half-open stretch `circle` of the sequence that `planes` was made of and that begins at `first_base`;
+/// all three must outlive the object.
+class UnitRuns {
+ public:
+  UnitRuns(const BasePlanes& planes, const char* first_base, const UnitCircle& circle)
+      : planes_(planes),
+        first_base_(first_base),
+        circle_(circle),
+        length_(circle.length()),
+        unit_(circle.begin - first_base) {
+    if (length_ >= width) return;
+    low_ = repeated(planes.low_bits(unit_));
+    high_ = repeated(planes.high_bits(unit_));
+  }
+
+  /// 64 bits of a plane of the repeated unit, from the unit base number `phase`, 0 to the unit length - 1, on.
+  std::uint64_t low_bits(std::int64_t phase) const {
+    return length_ < width ? rotated(low_, phase)
+                           : joined(phase, [this](std::int64_t at) { return planes_.low_bits(at); });
+  }
+  std::uint64_t high_bits(std::int64_t phase) const {
+    return length_ < width ? rotated(high_, phase)
+                           : joined(phase, [this](std::int64_t at) { return planes_.high_bits(at); });
+  }
+
+  /// A phase brought back into the unit; `phase` may be negative.
+  std::int64_t wrapped(std::int64_t phase) const {
+    if (phase >= 0 && phase < length_) return phase;
+    const std::int64_t rest = phase % length_;
+    return rest < 0 ? rest + length_ : rest;
+  }
+
+  /// The number of bases from the front on that agree with the unit, N excluded, at most up to `limit`.
+  template <bool forward>
+  std::int64_t count(const Front<forward>& front, const char* limit) const {
+    const std::int64_t room = forward ? limit - front.position : front.position - limit;
+    std::int64_t position = front.position - first_base_;
+    std::int64_t phase = front.unit - circle_.begin;
+    std::int64_t matches = 0;
+    while (matches < room) {
+      const std::uint64_t misses = forward ? misses_from(position, phase) : misses_before(position, phase);
+      if (misses != 0) {
+        matches += forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
+        break;
+      }
+      matches += width;
+      position += forward ? width : -width;
+      phase = wrapped(phase + (forward ? width : -width));
+    }
+    return std::min(matches, room);
+  }
+
+  /// Moves the front over `bases` bases, each against a unit base. The score stays.
+  template <bool forward>
+  void advance(Front<forward>& front, std::int64_t bases) const {
+    const std::int64_t step = forward ? bases : -bases;
+    front.position += step;
+    front.unit = circle_.begin + wrapped(front.unit - circle_.begin + step);
+  }
+
+  /// As the plain extend_exact, only faster.
+  template <bool forward>
+  bool extend_exact(Front<forward>& front, const char* limit, const ExtensionRules& rules) const {
+    while (true) {
+      const std::int64_t matches = count(front, limit);
+      advance(front, matches);
+      front.score += matches;
+      if (front.position == limit || front.next_base() != 'N') return true;
+      bool took = false;
+      if (!cross_Ns(front, circle_, limit, rules, took)) return false;
+      if (!took) return true;
+    }
+  }
+
+ private:
+  static constexpr std::int64_t width = 64;
+
+  /// The first `length_` bits of `bits` over and over, length_ < 64.
+  std::uint64_t repeated(std::uint64_t bits) const {
+    bits &= (std::uint64_t{1} << length_) - 1;
+    for (std::int64_t filled = length_; filled < width; filled *= 2) bits |= bits << filled;
+    return bits;
+  }
+
+  /// A repeated pattern from a later phase on: behind the last whole copy it begins anew.
+  std::uint64_t rotated(std::uint64_t pattern, std::int64_t phase) const {
+    const std::int64_t whole = width - width % length_;
+    const std::int64_t rest = whole - phase;  // bits up to there, at least one
+    return (pattern >> phase) | (pattern << 1 << (rest - 1));
+  }
+
+  template <typename Bits>
+  std::uint64_t joined(std::int64_t phase, Bits bits) const {
+    const std::int64_t rest = length_ - phase;
+    if (rest >= width) return bits(unit_ + phase);
+    return (bits(unit_ + phase) & ((std::uint64_t{1} << rest) - 1)) | (bits(unit_) << rest);
+  }
+
+  std::uint64_t differences(std::int64_t position, std::int64_t phase) const {
+    return (planes_.low_bits(position) ^ low_bits(phase)) | (planes_.high_bits(position) ^ high_bits(phase)) |
+           planes_.unknown_bits(position);
+  }
+
+  /// Bit i: the base i positions on does not agree. Behind the sequence nothing agrees.
+  std::uint64_t misses_from(std::int64_t position, std::int64_t phase) const { return differences(position, phase); }
+
+  /// Bit 63 - i: the base i + 1 positions back does not agree, the one before `position` being compared with `phase`.
+  std::uint64_t misses_before(std::int64_t position, std::int64_t phase) const {
+    if (position >= width) return differences(position - width, wrapped(phase - (width - 1)));
+    // The sequence begins within the word: compare its first bases and let the others miss.
+    const std::uint64_t bits = differences(0, wrapped(phase - (position - 1)));
+    return bits << 1 << (width - 1 - position);
+  }
+
+  const BasePlanes& planes_;
+  const char* first_base_;
+  UnitCircle circle_;
+  std::int64_t length_;
+  std::int64_t unit_;  ///< number of the unit's first base in the sequence
+  std::uint64_t low_ = 0;
+  std::uint64_t high_ = 0;
+};
