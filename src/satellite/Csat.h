@@ -71,6 +71,10 @@ class Csat {
   /// ordering. A base is taken in once, so only deletions can share a position with another event.
   void sort_missense();
 
+  /// Frees the event list. The counts stay, so the repeat can be told from one without events.
+  void drop_events() { missense.release(); }
+  bool has_all_events() const { return missense.size == std::size_t{mismatches} + insertions + deletions; }
+
   /// Steps to the next or previous unit base, round the unit's ends.
   const char* next_unit_base(const char* base) const { return base + 1 == unit_end ? unit_begin : base + 1; }
   const char* previous_unit_base(const char* base) const { return (base == unit_begin ? unit_end : base) - 1; }

@@ -41,6 +41,14 @@ class fastvector {
   }
 
   void clear() { size = 0; }
+
+  /// Empties the array and frees its buffer.
+  void release() {
+    std::free(static_cast<void*>(buffer));
+    buffer = nullptr;
+    size = capacity = 0;
+  }
+
   bool empty() const { return size == 0; }
 
   T* begin() { return buffer; }

@@ -40,5 +40,22 @@ bool CSearchController::valid_starting_pattern(const char* begin, const char* en
 
 void CSearchController::report_SATList(std::FILE* out, const std::list<Csat*>& sats) const {
   std::fprintf(out, ">%s\nsequence length: %zu\n", seq.name.c_str(), seq.sequence.length);
-  for (const Csat* sat : sats) sat->report_sat(out, seq);
+  for (Csat* sat : sats) {
+    find_dropped_events(*sat);
+    sat->report_sat(out, seq);
+    drop_many_events(*sat);
+  }
+}
+
+void CSearchController::drop_many_events(Csat& sat) {
+  constexpr std::size_t many = 512;
+  if (sat.missense.size > many) sat.drop_events();
+}
+
+void CSearchController::find_dropped_events(Csat& sat) const {
+  if (sat.has_all_events()) return;
+  sat.seed(sat.unit_begin, sat.unit_end);
+  if (exact_first) extend_exact_both_ways(sat);
+  grow_imperfect(sat);
+  sat.sort_missense();
 }

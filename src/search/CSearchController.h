@@ -10,6 +10,7 @@
 #include "search/base_planes.h"
 #include "search/front.h"
 #include "search/thresholds.h"
+#include "search/walk_guide.h"
 #include "sequence/CSequence_Mol.h"
 
 /// A result list. Its records go back to the pool when it is destroyed.
@@ -49,7 +50,7 @@ class CSearchController {
   /// repeats mostly overlap when one of them has less than a unit outside the shared stretch. The earlier one wins a tie.
   static void remove_hidden(CsatContainer& container);
 
-  /// Writes the record's header lines and its repeats.
+  /// Writes the record's header lines and its repeats. Events of long repeats that were dropped are found again for it.
   void report_SATList(std::FILE* out, const std::list<Csat*>& sats) const;
 
   /// Grows the right end up to `stop`, exclusive. False when an over-long run of N lies directly ahead.
@@ -100,6 +101,12 @@ class CSearchController {
   /// Grows the seed both ways, trims it and tests it.
   bool grow_imperfect(Csat& seed) const;
 
+  /// Lets go of the events of a kept repeat that has many: in a satellite array thousands of repeats, most of which the
+  /// overlap removal will drop, may each hold the events of the whole array.
+  static void drop_many_events(Csat& sat);
+  /// Grows the repeat anew from its unit, if events were dropped.
+  void find_dropped_events(Csat& sat) const;
+
   void prepare_candidates(std::int64_t unit_length);
   void keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const;
 
@@ -116,6 +123,9 @@ class CSearchController {
   ThresholdTable minLengths_intern;
   ExtensionRules rules;
   BasePlanes planes;
+  mutable WalkGuide<true> forward_guide;    ///< only speeds the extension up
+  mutable WalkGuide<false> backward_guide;
+  bool exact_first = false;  ///< records were extended exactly before the imperfect extension
   std::vector<std::uint64_t> candidates;
   /// Candidates of the unit lengths that the lag filter has decided, an inclusive range; none if last < first.
   std::int64_t lag_range_first = 1;

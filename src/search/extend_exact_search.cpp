@@ -10,6 +10,7 @@ void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   minScores = &minScores_intern;
   minLengths = &minLengths_intern;
   exact_search_2();
+  exact_first = true;
   minScores = &minScores_user;
   minLengths = &minLengths_user;
 
@@ -20,6 +21,7 @@ void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   while (!seeds.empty()) {
     Csat* const sat = seeds.front();
     if (grow_imperfect(*sat)) {
+      drop_many_events(*sat);
       sat->sort_missense();
       found.splice(found.end(), seeds, seeds.begin());
     } else {

@@ -8,6 +8,7 @@
 #include "search/CSearchController.h"
 #include "search/lookahead_window.h"
 #include "search/unit_runs.h"
+#include "search/walk_guide.h"
 
 namespace {
 
@@ -16,14 +17,15 @@ template <bool forward>
 class ImperfectWalk {
  public:
   ImperfectWalk(Csat& record, const char* sequence_limit, const ExtensionRules& extension_rules,
-                const BasePlanes& planes, const char* first_base)
+                const BasePlanes& planes, const char* first_base, WalkGuide<forward>& walk_guide)
       : sat(record),
         circle{record.unit_begin, record.unit_end},
         limit(sequence_limit),
         rules(extension_rules),
         bound(-circle.length()),
         runs(planes, first_base, circle),
-        window(planes, runs, first_base, circle, extension_rules) {}
+        window(planes, runs, first_base, circle, extension_rules),
+        guide(walk_guide) {}
 
   /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the record
   /// takes the earliest state of the highest score on that way. A later state of equal score is not worth its events.
@@ -31,15 +33,17 @@ class ImperfectWalk {
     State state{Front<forward>::of(sat), sat.mismatches, sat.insertions, sat.deletions, sat.missense.size};
     State best;
     bool is_first = true;
+    guide.begin_walk(circle, limit);
     while (true) {
       const bool way_is_free = runs.extend_exact(state.front, limit, rules);
       if (is_first || state.front.score > best.front.score) best = state;
       is_first = false;
       if (!way_is_free || rules.maximum_depth == 0 || state.front.position == limit) break;
-      const char kind = choose_step(state.front);
+      const char kind = next_step(state.front);
       if (kind == '-') break;
       commit(kind, state);
     }
+    guide.end_walk();
     adopt(best);
   }
 
@@ -75,6 +79,19 @@ class ImperfectWalk {
     front.step_unit(circle);
     front.score += rules.indel_score;
     return front;
+  }
+
+  /// Whether the score permits every step of the lookahead, however deep.
+  bool all_permitted(const FrontState& front) const {
+    return front.score + rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score) > bound;
+  }
+
+  char next_step(const FrontState& front) {
+    if (!all_permitted(front)) return choose_step(front);
+    const char known = guide.step_at(front);
+    const char kind = known != '?' ? known : choose_step(front);
+    guide.note(front, kind);
+    return kind;
   }
 
   /// The first step of the best combination of steps within the lookahead: 'M', 'I', 'D', or '-' when none is permitted.
@@ -174,6 +191,7 @@ class ImperfectWalk {
   const std::int64_t bound;
   const UnitRuns runs;
   LookaheadWindow<forward> window;
+  WalkGuide<forward>& guide;
   std::vector<FrontState> level;
   std::vector<FrontState> next_level;
 };
@@ -181,9 +199,9 @@ class ImperfectWalk {
 }  // namespace
 
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* seq_end) const {
-  ImperfectWalk<true>(sat, seq_end, rules, planes, seq.begin()).run();
+  ImperfectWalk<true>(sat, seq_end, rules, planes, seq.begin(), forward_guide).run();
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_limit) const {
-  ImperfectWalk<false>(sat, left_limit + 1, rules, planes, seq.begin()).run();
+  ImperfectWalk<false>(sat, left_limit + 1, rules, planes, seq.begin(), backward_guide).run();
 }

@@ -77,7 +77,8 @@ bool CSearchController::grow_imperfect(Csat& seed) const {
 }
 
 void CSearchController::keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const {
-  sat->sort_missense();
   anchors.cover(*sat);
+  drop_many_events(*sat);
+  sat->sort_missense();
   found.push_back(sat);
 }
