@@ -81,6 +81,14 @@ struct Options {
   FileNames iofiles;
 };
 
+/// The library prints a short usage on standard error, not the long one on standard output, after a parse error only if it
+/// has help and version options; here they are added by hand.
+class CommandLine : public TCLAP::CmdLine {
+ public:
+  using CmdLine::CmdLine;
+  bool hasHelpAndVersion() override { return true; }
+};
+
 /// The library's own help and version options, the second with its short flag, which the library leaves out.
 struct StandardOptions {
   explicit StandardOptions(TCLAP::CmdLine& cmd)
@@ -283,8 +291,7 @@ int store_and_check(Options& options, const char* program) {
 int read_and_init_parameters(int argc, const char* const* argv) {
   init_param();
   try {
-    TCLAP::CmdLine cmd("This program searches for tandemly repeated patterns in DNA sequences.", ' ', OSTREL_VERSION,
-                       false);
+    CommandLine cmd("This program searches for tandemly repeated patterns in DNA sequences.", ' ', OSTREL_VERSION, false);
     StandardOptions standard(cmd);
     Options options(cmd);
     cmd.parse(argc, argv);

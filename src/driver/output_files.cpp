@@ -17,6 +17,17 @@ constexpr std::size_t buffer_size = std::size_t{1} << 20;
 
 bool same_inode(const struct stat& a, const struct stat& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
 
+/// Where a file of this name is or would be created: links are followed even to a file that does not exist.
+std::filesystem::path resolved(const std::string& path) {
+  constexpr int most_links = 40;
+  std::error_code ignored;
+  std::filesystem::path place = std::filesystem::absolute(path, ignored);
+  for (int links = 0; links < most_links && std::filesystem::is_symlink(place, ignored); ++links) {
+    place = place.parent_path() / std::filesystem::read_symlink(place, ignored);
+  }
+  return std::filesystem::weakly_canonical(place, ignored);
+}
+
 }  // namespace
 
 void OutputFile::use_standard_output() {
@@ -70,10 +81,7 @@ bool same_file(const std::string& a, const std::string& b) {
   const bool b_exists = stat(b.c_str(), &status_b) == 0;
   if (a_exists != b_exists) return false;
   if (a_exists) return S_ISREG(status_a.st_mode) && same_inode(status_a, status_b);
-  std::error_code ignored;
-  const auto resolved_a = std::filesystem::weakly_canonical(std::filesystem::absolute(a, ignored), ignored);
-  const auto resolved_b = std::filesystem::weakly_canonical(std::filesystem::absolute(b, ignored), ignored);
-  return resolved_a == resolved_b;
+  return resolved(a) == resolved(b);
 }
 
 bool is_standard_output(const std::string& path) {

@@ -1,47 +1,71 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
-#include <memory>
+#include <vector>
 
 #include "satellite/Csat.h"
 
 /// Which positions of one sequence may still anchor a seed. A kept repeat takes its positions out, but for those where
 /// it departs from the perfect repeat.
 ///
-/// `mask`[i] describes the base `seq_begin` + i: 'a' free, ' ' covered. `mask`[-1] and `mask`[seq_length] are
-/// sentinels that stay free, so that the test needs no bounds. The object owns the mask; it lives for one search.
+/// One bit for each base, set where it is free, and a sentinel before the first and behind the last base that stays free,
+/// so that the test needs no bounds. The object owns the bits; it lives for one search.
 class CAnchorSeq {
  public:
-  CAnchorSeq(const char* begin, std::size_t length)
-      : seq_begin(begin), seq_length(length), mask_buffer(new char[length + 3]), mask(mask_buffer.get() + 1) {
-    mask[length + 1] = '\0';
+  /// The sequence begins at `begin` and has `length` bases.
+  CAnchorSeq(const char* begin, std::size_t length) : seq_begin(begin), seq_length(length), mask(length / 64 + 2) {
     reset();
   }
 
   /// Frees all positions.
-  void reset() { std::memset(mask_buffer.get(), 'a', seq_length + 2); }
+  void reset() { std::fill(mask.begin(), mask.end(), ~std::uint64_t{0}); }
 
   /// Whether the window [p, p + unit_length) may be tried as a seed, which must end before the sequence's last base:
   /// its first base is free and so is its last or the one behind it, or the base before it and its last are both free.
   bool admits(const char* p, std::int64_t unit_length) const {
-    const char* const m = mask + (p - seq_begin);
-    const bool last = m[unit_length - 1] == 'a';
-    return (m[0] == 'a' && (last || m[unit_length] == 'a')) || (m[-1] == 'a' && last);
+    const bool last = is_free(p + unit_length - 1);
+    if (is_free(p)) return last || is_free(p + unit_length);
+    return last && is_free(p - 1);
   }
 
-  bool is_free(const char* p) const { return mask[p - seq_begin] == 'a'; }
+  /// `p` may be one before the first base or one past the last.
+  bool is_free(const char* p) const {
+    const auto bit = bit_of(p);
+    return (mask[bit / 64] >> (bit % 64) & 1) != 0;
+  }
 
   /// Takes the positions of a kept repeat out, then frees those of its events.
   void cover(const Csat& sat) {
-    std::memset(mask + (sat.pos_left - seq_begin), ' ', static_cast<std::size_t>(sat.length()));
-    for (const Csat::Event& event : sat.missense) mask[event.first - seq_begin] = 'a';
+    clear_bits(bit_of(sat.pos_left), bit_of(sat.pos_right_end));
+    for (const Csat::Event& event : sat.missense) {
+      const std::size_t bit = bit_of(event.first);
+      mask[bit / 64] |= std::uint64_t{1} << (bit % 64);
+    }
   }
 
  private:
+  /// The sentinel before the first base has bit 0.
+  std::size_t bit_of(const char* p) const { return static_cast<std::size_t>(p - seq_begin + 1); }
+
+  /// Half-open range of bits, not empty.
+  void clear_bits(std::size_t first, std::size_t end) {
+    const std::size_t first_word = first / 64;
+    const std::size_t last_word = (end - 1) / 64;
+    const std::uint64_t from_first = ~std::uint64_t{0} << (first % 64);
+    const std::uint64_t to_last = ~std::uint64_t{0} >> (63 - (end - 1) % 64);
+    if (first_word == last_word) {
+      mask[first_word] &= ~(from_first & to_last);
+      return;
+    }
+    mask[first_word] &= ~from_first;
+    std::fill(mask.begin() + static_cast<std::ptrdiff_t>(first_word) + 1,
+              mask.begin() + static_cast<std::ptrdiff_t>(last_word), std::uint64_t{0});
+    mask[last_word] &= ~to_last;
+  }
+
   const char* seq_begin;
   std::size_t seq_length;
-  std::unique_ptr<char[]> mask_buffer;
-  char* mask;
+  std::vector<std::uint64_t> mask;
 };

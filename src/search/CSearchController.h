@@ -114,6 +114,9 @@ class CSearchController {
   /// most `depth` steps of lookahead, in ascending order, and lets the run status report.
   template <typename TrySeed>
   void for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed);
+  /// Takes out of `candidates` what the imperfect extension cannot bring to the user's minimum score. Such a seed would be
+  /// found and given back; it could not block another one either.
+  void drop_seeds_that_cannot_grow(std::int64_t unit_length);
   template <typename TrySeed>
   void for_each_set_bit(const std::vector<std::uint64_t>& bits, std::int64_t unit_length, TrySeed try_seed);
 

@@ -34,6 +34,7 @@ void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_
     for_each_set_bit(lag_candidates[static_cast<std::size_t>(unit_length - lag_range_first)], unit_length, try_seed);
   } else if (SeedFilter::is_useful(unit_length, minimum_score, scan_rules)) {
     SeedFilter(planes, seq.begin(), seq.end()).mark_candidates(unit_length, minimum_score, scan_rules, candidates);
+    if (minScores == &minScores_intern) drop_seeds_that_cannot_grow(unit_length);
     for_each_set_bit(candidates, unit_length, try_seed);
   } else {
     for (const char* p = seq.begin(); p != seq.begin() + seeds; ++p) {

@@ -3,6 +3,15 @@
 #include <cstdio>
 
 #include "search/CSearchController.h"
+#include "search/seed_filter.h"
+
+void CSearchController::drop_seeds_that_cannot_grow(std::int64_t unit_length) {
+  const std::int64_t minimum_score = minScores_user[unit_length];
+  if (!SeedFilter::is_useful(unit_length, minimum_score, rules)) return;
+  std::vector<std::uint64_t> growing;
+  SeedFilter(planes, seq.begin(), seq.end()).mark_candidates(unit_length, minimum_score, rules, growing);
+  for (std::size_t word = 0; word < candidates.size(); ++word) candidates[word] &= growing[word];
+}
 
 void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   std::fputs("  Searching for exact repeats.\n", stderr);

@@ -72,7 +72,7 @@ class RangeScan {
         size_(end - begin),
         task_(task),
         forward_(forward),
-        rows_(std::max(block_rows, 4 * task.last_unit)),
+        rows_(std::min(std::max(block_rows, 4 * task.last_unit), size_ - task.first_unit)),
         row_bytes_(task.lanes / 8),
         bases_(static_cast<std::size_t>(rows_ + task.last_unit + task.first_lag) + task.lanes + 64),
         certified_(static_cast<std::size_t>(rows_) * row_bytes_),

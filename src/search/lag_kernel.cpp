@@ -80,7 +80,8 @@ class Programme {
     const hn::Rebind<std::uint8_t, Tag> bytes;
     const auto* const unit_base = reinterpret_cast<const std::uint8_t*>(rows_.bases + x);
     const auto* const sequence = unit_base + task_.first_lag;
-    const auto base = hn::Set(d, static_cast<Value>(*unit_base));
+    // Nothing matches the byte 0 that stands outside the sequence, not even itself.
+    const auto base = hn::Set(d, static_cast<Value>(*unit_base == 0 ? 0xFF : *unit_base));
     const auto unknown = hn::Set(d, static_cast<Value>('N'));
     for (std::size_t i = 0; i < task_.lanes; i += width()) {
       const auto other = widen(d, hn::LoadU(bytes, sequence + i));

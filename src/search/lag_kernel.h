@@ -30,7 +30,7 @@ struct LagTask {
   std::vector<std::uint16_t> gain_limit;      ///< per lane: a gain of at most this is too little
 };
 
-/// The bases of the rows. Row x compares bases[x] with bases[x + first_lag] .. bases[x + first_lag + lanes - 1].
+/// The bases of the rows, 0 outside the sequence. Row x compares bases[x] with bases[x + first_lag] .. bases[x + first_lag + lanes - 1].
 struct LagRows {
   const char* bases;
   std::int64_t highest;   ///< first row worked; at least last_unit above the last row decided

@@ -1,0 +1,124 @@
+#include "search/search_support.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using ImperfectSearchTest = test::SearchTest;
+
+TEST_F(ImperfectSearchTest, FindsARepeatWithAnInsertionOnce) {
+  EXPECT_THAT(imperfect("ACACACACACGACACACACAC"), ElementsAre("[0,21) AC score 12 1 ins"));
+}
+
+TEST_F(ImperfectSearchTest, FindsADinucleotideRepeatWithAMismatchOnce) {
+  EXPECT_THAT(imperfect("ACACACACACGCACACACACAC"), ElementsAre("[0,22) AC score 13 1 mis"));
+}
+
+TEST_F(ImperfectSearchTest, ASequenceOfUnitLengthOrLessHasNoSeed) {
+  accept_everything();
+  unit_lengths(2, 2);
+  EXPECT_THAT(imperfect(""), IsEmpty());
+  EXPECT_THAT(imperfect("A"), IsEmpty());
+  EXPECT_THAT(imperfect("AC"), IsEmpty());
+}
+
+TEST_F(ImperfectSearchTest, WithOneBaseMoreOnlyTheSeedAtTheFirstBaseIsTried) {
+  accept_everything();
+  unit_lengths(2, 2);
+  EXPECT_THAT(imperfect("ACG"), ElementsAre("[0,2) AC score 0"));
+}
+
+TEST_F(ImperfectSearchTest, ASeedThatEndsAtTheLastBaseIsNeverTried) {
+  accept_everything();
+  unit_lengths(2, 2);
+  EXPECT_THAT(imperfect("AAC"), IsEmpty());  // AA is no unit, AC ends with the sequence
+  EXPECT_THAT(imperfect("AACG"), ElementsAre("[1,3) AC score 0"));
+}
+
+TEST_F(ImperfectSearchTest, TheLastBaseIsNoSeedOfUnitLengthOne) {
+  accept_everything();
+  unit_lengths(1, 1);
+  EXPECT_THAT(imperfect("A"), IsEmpty());
+  EXPECT_THAT(imperfect("ACG"), ElementsAre("[0,1) A score 0", "[1,2) C score 0"));
+}
+
+TEST_F(ImperfectSearchTest, ALongMononucleotideRunIsKeptOnceFromItsFirstBase) {
+  unit_lengths(1, 1);
+  EXPECT_THAT(imperfect("CAAAAAAAAAAAAG"), ElementsAre("[1,13) A score 11"));
+}
+
+// The window AT at 2 lies inside two covered runs; it is a seed only because the mask starts anew.
+TEST_F(ImperfectSearchTest, TheMaskIsResetAfterUnitLengthOne) {
+  accept_everything();
+  unit_lengths(1, 2);
+  EXPECT_THAT(imperfect("AAATTTG"), ElementsAre("[0,3) A score 2", "[2,4) AT score 0", "[3,6) T score 2"));
+}
+
+TEST_F(ImperfectSearchTest, TheMaskIsCarriedOnFromUnitLengthTwo) {
+  EXPECT_THAT(imperfect("ACACACACACACACAC"), ElementsAre("[0,16) AC score 14"));
+}
+
+TEST_F(ImperfectSearchTest, WithUnitsFromTwoMononucleotideRunsAreNeverFound) {
+  unit_lengths(2, 6);
+  EXPECT_THAT(imperfect(std::string(20, 'A')), IsEmpty());
+}
+
+TEST_F(ImperfectSearchTest, ASequenceOfNYieldsNothing) {
+  accept_everything();
+  EXPECT_THAT(imperfect("NNNNNNNN"), IsEmpty());
+  EXPECT_THAT(imperfect("N"), IsEmpty());
+}
+
+TEST_F(ImperfectSearchTest, ASequenceThatEndsInNHasNoSeedBehindItsBases) {
+  unit_lengths(1, 1);
+  EXPECT_THAT(imperfect("AAAAAAAANNNNNN"), ElementsAre("[0,8) A score 7"));
+}
+
+// Its first base is a seed of unit length 1 and 8; with penalties of 6 both grow over the whole of it.
+TEST_F(ImperfectSearchTest, OfEqualRangesTheShorterUnitIsListedFirst) {
+  unit_lengths(1, 8);
+  global_min_score = 8;
+  EXPECT_THAT(imperfect("AAAAAAACAAAAAAACAAAAAAA"), ElementsAre("[0,23) A score 8 2 mis", "[0,23) AAAAAAAC score 15"));
+}
+
+TEST_F(ImperfectSearchTest, ALeftPartWorthExactlyTheMismatchIsNotJoined) {
+  // The part before the G scores 4, too little for a step of its own; from the right, 11 - 6 + 6 is no gain.
+  EXPECT_THAT(imperfect("ACACACGCACACACACACAC"), ElementsAre("[7,20) CA score 11"));
+}
+
+TEST_F(ImperfectSearchTest, NAtTheEndsAreTrimmed) {
+  EXPECT_THAT(imperfect("NNNACACACACACNN"), ElementsAre("[3,13) AC score 8"));
+}
+
+TEST_F(ImperfectSearchTest, EventsAreSorted) {
+  test::Sequence sequence("ACACACACACGCACACACACACGACACACACACAC");
+  CSearchController controller(1, sequence.mol);
+  controller.complete_imperfect_search();
+  ASSERT_FALSE(controller.imperfect_sats.sats.empty());
+  EXPECT_EQ(test::events_of(sequence, *controller.imperfect_sats.sats.front()), "10M 22I ");
+}
+
+TEST_F(ImperfectSearchTest, WithDepthZeroFindsPerfectRepeatsOnly) {
+  global_maximum_recursion_depth = 0;
+  EXPECT_THAT(imperfect("ACACACACACGACACACACAC"), ElementsAre("[0,10) AC score 8", "[11,21) AC score 8"));
+}
+
+TEST_F(ImperfectSearchTest, TheLargestMaximumUnitLengthEndsAtTheSequence) {
+  unit_lengths(1, 4294967295U);
+  EXPECT_THAT(imperfect("ACACACACAC"), ElementsAre("[0,10) AC score 8"));
+}
+
+TEST_F(ImperfectSearchTest, TheSpareRecordGoesBackToThePool) {
+  test::Sequence sequence("ACGTTGCA");
+  std::size_t before = 0;
+  {
+    CSearchController controller(1, sequence.mol);
+    controller.complete_imperfect_search();
+    before = sat_alloc.size();
+    EXPECT_GE(before, 1U);
+  }
+  EXPECT_EQ(sat_alloc.size(), before);
+}
+
+}  // namespace

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <list>
+
+#include "search/CSearchController.h"
+#include "search/run_status.h"
+#include "test_support.h"
+
+namespace test {
+
+/// "[0,10) AC score 8", and behind that the counts that are not zero: " 1 mis 2 ins 3 del 4 N". Positions are 0-based
+/// and half-open.
+inline std::string described(const Sequence& sequence, const Csat& sat) {
+  std::string text = "[" + std::to_string(sequence.index(sat.pos_left)) + "," +
+                     std::to_string(sequence.index(sat.pos_right_end)) + ") " +
+                     std::string(sat.unit_begin, sat.unit_end) + " score " + std::to_string(sat.score);
+  const auto count = [&text](std::uint32_t number, const char* what) {
+    if (number != 0) text += " " + std::to_string(number) + what;
+  };
+  count(sat.mismatches, " mis");
+  count(sat.insertions, " ins");
+  count(sat.deletions, " del");
+  count(sat.num_Ns, " N");
+  return text;
+}
+
+/// "10M 12D ": the events in the order of the list, by 0-based position in the sequence.
+inline std::string events_of(const Sequence& sequence, const Csat& sat) {
+  std::string text;
+  for (const Csat::Event& event : sat.missense) {
+    text += std::to_string(sequence.index(event.first)) + event.second + " ";
+  }
+  return text;
+}
+
+inline std::vector<std::string> described(const Sequence& sequence, const std::list<Csat*>& sats) {
+  std::vector<std::string> texts;
+  for (const Csat* sat : sats) texts.push_back(described(sequence, *sat));
+  return texts;
+}
+
+/// A fixture whose parameters may be set before any of its functions is called.
+class SearchTest : public WithParameters {
+ protected:
+  SearchTest() { update_report_time(); }  // no progress line in the middle of a test
+
+  static std::vector<std::string> exact(const std::string& bases) {
+    Sequence sequence(bases);
+    CSearchController controller(1, sequence.mol);
+    controller.exact_search_2();
+    return described(sequence, controller.exact_sats.sats);
+  }
+
+  static std::vector<std::string> imperfect(const std::string& bases) {
+    Sequence sequence(bases);
+    CSearchController controller(1, sequence.mol);
+    controller.complete_imperfect_search();
+    return described(sequence, controller.imperfect_sats.sats);
+  }
+
+  static std::vector<std::string> extended(const std::string& bases) {
+    Sequence sequence(bases);
+    CSearchController controller(1, sequence.mol);
+    testing::internal::CaptureStderr();
+    controller.search_exact_and_extend_to_imperfect_repeats();
+    testing::internal::GetCapturedStderr();
+    return described(sequence, controller.imperfect_sats.sats);
+  }
+
+  /// Every seed is kept, whatever it grows into.
+  static void accept_everything() {
+    global_min_score = 0;
+    global_min_score_bx = 0;
+  }
+
+  static void unit_lengths(std::uint32_t shortest, std::uint32_t longest) {
+    global_min_unit_length = shortest;
+    global_max_unit_length = longest;
+  }
+};
+
+}  // namespace test

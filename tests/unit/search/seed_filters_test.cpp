@@ -1,0 +1,121 @@
+// The filters may only reject seeds that cannot reach the minimum score: every other seed is grown here by itself.
+
+#include <random>
+
+#include "search/lag_filter.h"
+#include "search/search_support.h"
+#include "search/seed_filter.h"
+
+namespace {
+
+using Bits = std::vector<std::uint64_t>;
+
+bool marked(const Bits& bits, std::int64_t index) {
+  return (bits[static_cast<std::size_t>(index / 64)] >> (index % 64) & 1) != 0;
+}
+
+/// Random bases of few letters, with copies of units that were changed here and there.
+std::string bases_with_repeats(unsigned number, std::size_t length, std::size_t longest_unit) {
+  std::mt19937 random(number);
+  const auto below = [&random](std::size_t n) { return static_cast<std::size_t>(random() % n); };
+  std::string bases;
+  while (bases.size() < length) {
+    std::string unit;
+    for (std::size_t i = 1 + below(longest_unit); i > 0; --i) unit += "ACGT"[below(number % 2 == 0 ? 4 : 2)];
+    for (std::size_t copies = 1 + below(5); copies > 0; --copies) {
+      bases += unit;
+      if (below(3) == 0) bases[below(bases.size())] = "ACGTN"[below(5)];
+      if (below(4) == 0) bases.erase(below(bases.size()), 1);
+    }
+  }
+  return bases.substr(0, length);
+}
+
+class SeedFiltersTest : public test::SearchTest {
+ protected:
+  static ExtensionRules rules() {
+    return {global_mismatch_score, global_indel_score, global_maximum_recursion_depth, global_Ns_allowed_in_a_row,
+            global_treat_Ns_as_missense};
+  }
+
+  /// The seeds that reach the score although they are not marked.
+  static std::vector<std::int64_t> wrongly_rejected(test::Sequence& sequence, std::int64_t unit_length,
+                                                    std::int64_t minimum_score, const Bits& bits) {
+    const CSearchController controller(1, sequence.mol);
+    const char* const begin = sequence.mol.begin();
+    const char* const end = sequence.mol.end();
+    std::vector<std::int64_t> wrong;
+    for (const char* p = begin; end - p > unit_length; ++p) {
+      if (marked(bits, p - begin)) continue;
+      const char* const next_N = std::find(p, end, 'N');
+      if (!CSearchController::valid_starting_pattern(p, p + unit_length, next_N)) continue;
+      Csat sat;
+      sat.seed(p, p + unit_length);
+      controller.extend_imperfect_forward(sat, end);
+      controller.extend_imperfect_backward(sat, begin - 1);
+      if (sat.score >= minimum_score) wrong.push_back(p - begin);
+    }
+    return wrong;
+  }
+};
+
+TEST_F(SeedFiltersTest, TheSeedFilterRejectsNoSeedThatReachesTheScore) {
+  std::size_t decided = 0;
+  for (unsigned number = 0; number < 40; ++number) {
+    test::Sequence sequence(bases_with_repeats(number, 300, 8));
+    const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
+    const SeedFilter filter(planes, sequence.mol.begin(), sequence.mol.end());
+    for (std::int64_t unit_length = 1; unit_length <= 8; ++unit_length) {
+      const std::int64_t minimum_score = std::max<std::int64_t>(6, unit_length);
+      if (!SeedFilter::is_useful(unit_length, minimum_score, rules())) continue;
+      ++decided;
+      Bits bits;
+      filter.mark_candidates(unit_length, minimum_score, rules(), bits);
+      ASSERT_THAT(wrongly_rejected(sequence, unit_length, minimum_score, bits), testing::IsEmpty())
+          << "sequence " << number << ", unit length " << unit_length;
+    }
+  }
+  EXPECT_GT(decided, 0U);
+}
+
+TEST_F(SeedFiltersTest, TheSeedFilterRejectsMostSeedsOfRandomBases) {
+  std::mt19937 random(1);
+  std::string bases;
+  for (int i = 0; i < 10000; ++i) bases += "ACGT"[random() % 4];
+  const test::Sequence sequence(bases);
+  const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
+  ASSERT_TRUE(SeedFilter::is_useful(2, 6, rules()));
+  Bits bits;
+  SeedFilter(planes, sequence.mol.begin(), sequence.mol.end()).mark_candidates(2, 6, rules(), bits);
+  int candidates = 0;
+  for (const std::uint64_t word : bits) candidates += __builtin_popcountll(word);
+  EXPECT_LT(candidates, 500);
+}
+
+TEST_F(SeedFiltersTest, TheLagFilterRejectsNoSeedThatReachesTheScore) {
+  global_maximum_recursion_depth = 2;
+  std::size_t decided = 0;
+  for (unsigned number = 0; number < 6; ++number) {
+    test::Sequence sequence(bases_with_repeats(number, 400, 60));
+    const LagFilter filter(sequence.mol.begin(), sequence.mol.end(), rules());
+    const ThresholdTable scores(6, 0, 1.0F);
+    constexpr std::int64_t first = 40;
+    constexpr std::int64_t last = 70;
+    if (!LagFilter::is_useful(first, scores[first], rules()) || !LagFilter::is_useful(last, scores[last], rules())) {
+      continue;
+    }
+    ++decided;
+    const std::int64_t end_of_range = filter.end_of_range(first, last);
+    std::vector<Bits> bits;
+    filter.mark_candidates(first, end_of_range, scores, bits);
+    for (std::int64_t unit_length = first; unit_length <= end_of_range; unit_length += 3) {
+      ASSERT_THAT(wrongly_rejected(sequence, unit_length, scores[unit_length],
+                                   bits[static_cast<std::size_t>(unit_length - first)]),
+                  testing::IsEmpty())
+          << "sequence " << number << ", unit length " << unit_length;
+    }
+  }
+  EXPECT_GT(decided, 0U);
+}
+
+}  // namespace
