@@ -186,7 +186,23 @@ class Programme {
       }
       const auto poor = at_most(d, hn::LoadU(d, values_[0] + i), hn::LoadU(d, limits_[0] + i));
       const auto verdict = hn::And(ended, poor);
-      hn::StoreMaskBits(d, hn::Ne(verdict, hn::Zero(d)), certified + i / 8);
+      store_bits(d, verdict, i, certified);
+    }
+  }
+
+  /// Stores one bit for each lane, lane 0 of the row lowest. Vectors of less than eight lanes have no whole byte.
+  template <typename Vector>
+  static void store_bits(Tag d, Vector verdict, std::size_t first, std::uint8_t* bits) {
+    if (width() >= 8) {
+      hn::StoreMaskBits(d, hn::Ne(verdict, hn::Zero(d)), bits + first / 8);
+      return;
+    }
+    Value lanes[8];
+    hn::StoreU(verdict, d, lanes);
+    for (std::size_t i = 0; i < width(); ++i) {
+      const auto bit = static_cast<std::uint8_t>(1U << ((first + i) % 8));
+      std::uint8_t& byte = bits[(first + i) / 8];
+      byte = static_cast<std::uint8_t>(lanes[i] != 0 ? byte | bit : byte & ~bit);
     }
   }
 
