@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Units below this are left to SeedFilter or the walk: with so short units hardly a seed is decided here.
+/// With units shorter than this hardly a seed is decided here.
 constexpr std::int64_t shortest_unit = 8;
 /// Scores of longer units may not fit the 16 bits of a lane.
 constexpr std::int64_t longest_unit = 15000;
@@ -19,7 +19,7 @@ constexpr std::int64_t free_bytes = std::int64_t{32} << 20;
 /// What the forward walk of an undecided seed may gain at most; the backward walk may gain the rest of the minimum score.
 /// A small share lets the backward walk end early, a large one decides more forward walks.
 std::int64_t forward_share(std::int64_t unit_length, std::int64_t minimum_score) {
-  return std::min((minimum_score - 1) / 2, 5 + unit_length / 8);
+  return std::min((minimum_score - 1) / 2, 3 + unit_length / 10);
 }
 
 /// The most insertions, or deletions, of a walk that is still permitted to go on: it starts with `budget` above the bound

@@ -207,8 +207,8 @@ bool SeedFilter::is_useful(std::int64_t unit_length, std::int64_t minimum_score,
   if (rules.maximum_depth == 0) return true;
   const std::int64_t mismatch = -rules.mismatch_score;
   const std::int64_t indel = -rules.indel_score;
-  // With fewer than two matches demanded after a first step, hardly a seed is rejected.
-  return 1 - unit_length + std::min(mismatch, indel) + std::min(mismatch, indel) >= 2;
+  // With fewer matches demanded after a first step too many seeds are left; the lag filter rejects more.
+  return 1 - unit_length + std::min(mismatch, indel) + std::min(mismatch, indel) >= 4;
 }
 
 void SeedFilter::mark_candidates(std::int64_t unit_length, std::int64_t minimum_score, const ExtensionRules& rules,
