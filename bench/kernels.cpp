@@ -73,7 +73,8 @@ void filter_short_units(benchmark::State& state) {
   const BasePlanes planes(record.mol.begin(), record.mol.end());
   const SeedFilter filter(planes, record.mol.begin(), record.mol.end());
   std::vector<std::uint64_t> candidates;
-  for (auto _ : state) filter.mark_candidates(state.range(0), std::max<std::int64_t>(6, state.range(0)), rules(), candidates);
+  for (auto _ : state)
+    filter.mark_candidates(state.range(0), std::max<std::int64_t>(6, state.range(0)), rules(), candidates);
   finish(state, count_bits(candidates));
 }
 BENCHMARK(filter_short_units)->ArgsProduct({{1, 2, 6, 8}, {60, 80}});

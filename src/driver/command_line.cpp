@@ -1,10 +1,10 @@
 #include "driver/command_line.h"
 
+#include <tclap/CmdLine.h>
+
 #include <algorithm>
 #include <string>
 #include <vector>
-
-#include <tclap/CmdLine.h>
 
 #include "driver/messages.h"
 #include "driver/number2cstring.h"
@@ -18,19 +18,21 @@ using UnsignedOption = TCLAP::ValueArg<unsigned int>;
 using FloatOption = TCLAP::ValueArg<float>;
 
 std::string length_rule(const char* closing) {
-  return std::string("The minimum length of a repeat is determined with: maximum( minLength, minLength_a + "
-                     "minLength_b*(unit-length) ). Default value of ") +
+  return std::string(
+             "The minimum length of a repeat is determined with: maximum( minLength, minLength_a + "
+             "minLength_b*(unit-length) ). Default value of ") +
          closing;
 }
 
 std::string score_rule(const char* closing) {
-  return std::string("The minimum score of a repeat is determined with: maximum( minScore, minScore_a + "
-                     "minScore_b*(unit-length) ). Default value of ") +
+  return std::string(
+             "The minimum score of a repeat is determined with: maximum( minScore, minScore_a + "
+             "minScore_b*(unit-length) ). Default value of ") +
          closing;
 }
 
-/// The file names. The library would take any word that is left for a name, a misspelt option too; and then the name behind
-/// it for the output file. A word that begins with a dash is a name only behind "--".
+/// The file names. The library would take any word that is left for a name, a misspelt option too; and then the name
+/// behind it for the output file. A word that begins with a dash is a name only behind "--".
 class FileNames : public TCLAP::UnlabeledMultiArg<std::string> {
  public:
   using UnlabeledMultiArg::UnlabeledMultiArg;
@@ -44,7 +46,9 @@ class FileNames : public TCLAP::UnlabeledMultiArg<std::string> {
 };
 
 /// The values of --searchMode.
-std::vector<std::string> search_modes() { return {"exact", "extendExact", "imperfect"}; }
+std::vector<std::string> search_modes() {
+  return {"exact", "extendExact", "imperfect"};
+}
 
 /// Every option of the command line. The default of a value is its parameter's present value; what the help texts call
 /// the default is not always the same, and both stay as they are.
@@ -81,8 +85,8 @@ struct Options {
   FileNames iofiles;
 };
 
-/// The library prints a short usage on standard error, not the long one on standard output, after a parse error only if it
-/// has help and version options; here they are added by hand.
+/// The library prints a short usage on standard error, not the long one on standard output, after a parse error only if
+/// it has help and version options; here they are added by hand.
 class CommandLine : public TCLAP::CmdLine {
  public:
   using CmdLine::CmdLine;
@@ -108,7 +112,8 @@ struct StandardOptions {
 Options::Options(TCLAP::CmdLine& cmd)
     : succN("N", "succN", "The maximum number of successive N's allowed in a satellite. Default: 2.", false,
             global_Ns_allowed_in_a_row, "int", cmd),
-      NsAsMissense("", "NsAsMissense", "Treat N's as missense. Default: Treat N's as neutral with score 0.", cmd, false),
+      NsAsMissense("", "NsAsMissense", "Treat N's as missense. Default: Treat N's as neutral with score 0.", cmd,
+                   false),
       reportUnit("", "reportUnit",
                  "Repeat units can be reported in three different modes. 0: asIs, 1: Alphabetical normal form, 2: "
                  "Alphabetical normal form also considering the reverse complement. Default: 2",
@@ -291,7 +296,8 @@ int store_and_check(Options& options, const char* program) {
 int read_and_init_parameters(int argc, const char* const* argv) {
   init_param();
   try {
-    CommandLine cmd("This program searches for tandemly repeated patterns in DNA sequences.", ' ', OSTREL_VERSION, false);
+    CommandLine cmd("This program searches for tandemly repeated patterns in DNA sequences.", ' ', OSTREL_VERSION,
+                    false);
     StandardOptions standard(cmd);
     Options options(cmd);
     cmd.parse(argc, argv);

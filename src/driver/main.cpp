@@ -1,3 +1,5 @@
 #include "driver/ostrel.h"
 
-int main(int argc, char** argv) { return ostrel_main(argc, argv); }
+int main(int argc, char** argv) {
+  return ostrel_main(argc, argv);
+}

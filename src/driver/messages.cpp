@@ -9,7 +9,8 @@ namespace {
 const char* const welcome_str =
     "\n"
     "\n"
-    "      Welcome to Ostrel, version " OSTREL_VERSION ",\n"
+    "      Welcome to Ostrel, version " OSTREL_VERSION
+    ",\n"
     "      a microsatellite and satellite search tool.\n"
     "      Copyright (c) 2026 the Ostrel authors\n"
     "      Ostrel is free software, distributed under the terms of the MIT licence:\n"
@@ -48,7 +49,9 @@ void general_PrintMessage(std::FILE* out, const std::string& a, const std::strin
   for (const std::string* text : {&a, &b, &c, &d}) std::fputs(text->c_str(), out);
 }
 
-void ostrel_welcome(std::FILE* out) { general_PrintMessage(out, welcome_str); }
+void ostrel_welcome(std::FILE* out) {
+  general_PrintMessage(out, welcome_str);
+}
 
 void creator_message(std::FILE* out, const char* prefix) {
   general_PrintMessage(out, prefix, "Results computed with:\n");
@@ -75,7 +78,9 @@ void print_output_format(std::FILE* out, const char* prefix) {
   std::fprintf(out, "%s\n", prefix);
 }
 
-void write_closing_line(std::FILE* out) { general_PrintMessage(out, "## Finished successfully. ##\n"); }
+void write_closing_line(std::FILE* out) {
+  general_PrintMessage(out, "## Finished successfully. ##\n");
+}
 
 void good_bye() {
   general_PrintMessage(stderr, "\nAnalysis finished successfully.\n\n", "Ostrel says goodbye.\n\n");

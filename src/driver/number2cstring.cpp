@@ -14,7 +14,15 @@ const char* format(const char* pattern, T value) {
 
 }  // namespace
 
-const char* number2str(int value) { return format("%d", value); }
-const char* number2str(unsigned int value) { return format("%u", value); }
-const char* number2str(double value) { return format("%lg", value); }
-const char* number2str(float value) { return format("%g", static_cast<double>(value)); }
+const char* number2str(int value) {
+  return format("%d", value);
+}
+const char* number2str(unsigned int value) {
+  return format("%u", value);
+}
+const char* number2str(double value) {
+  return format("%lg", value);
+}
+const char* number2str(float value) {
+  return format("%g", static_cast<double>(value));
+}

@@ -29,12 +29,14 @@ struct Run {
   CSequence_Mol sequence;  ///< one record reused for all
   std::unique_ptr<CFile> input;
   OutputFile out;
-  OutputFile masked;         ///< not open unless masking was asked for
+  OutputFile masked;           ///< not open unless masking was asked for
   bool masked_failed = false;  ///< asked for, but it could not be opened
   unsigned counter = 0;        ///< 1-based number of the record last read
 };
 
-std::string masked_filename() { return global_input_filename + ".masked"; }
+std::string masked_filename() {
+  return global_input_filename + ".masked";
+}
 
 bool open_input(Run& run) {
   run.input = std::make_unique<CFile>(global_input_filename);
@@ -53,7 +55,8 @@ bool files_collide() {
   if (is_output(global_input_filename)) clash = "The output would overwrite the input file";
   if (global_mask_repeats) {
     if (same_file(global_input_filename, masked_filename())) clash = "The masked file would overwrite the input file";
-    if (is_output(masked_filename())) clash = "The output and the masked copy would be the same file, for the input file";
+    if (is_output(masked_filename()))
+      clash = "The output and the masked copy would be the same file, for the input file";
   }
   if (clash.empty()) return false;
   general_PrintMessage(stderr, "Sorry! " + clash, "\n   \"", global_input_filename, "\".\n");
@@ -74,7 +77,8 @@ bool open_output(Run& run) {
 void write_headers(std::FILE* out) {
   creator_message(stderr, "");
   print_search_parameters(stderr, "");
-  general_PrintMessage(stderr, "\n\nSearch progress:\n\nCPU-time - SeqNr - PatLen - Seq-Name\n", std::string(72, '-'), "\n");
+  general_PrintMessage(stderr, "\n\nSearch progress:\n\nCPU-time - SeqNr - PatLen - Seq-Name\n", std::string(72, '-'),
+                       "\n");
   std::fflush(stderr);
 
   creator_message(out, "# ");
@@ -85,8 +89,8 @@ void write_headers(std::FILE* out) {
 /// A masked file that cannot be opened does not keep the user from the report.
 void open_masked(Run& run) {
   if (!global_mask_repeats || run.masked.open(masked_filename())) return;
-  general_PrintMessage(stderr, "Sorry! Failed to open file\n   \"", masked_filename(), "\"\nfor the masked sequences: ",
-                       std::string(std::strerror(errno)) + ".\n");
+  general_PrintMessage(stderr, "Sorry! Failed to open file\n   \"", masked_filename(),
+                       "\"\nfor the masked sequences: ", std::string(std::strerror(errno)) + ".\n");
   std::fflush(stderr);
   run.masked_failed = true;
 }
@@ -150,8 +154,8 @@ void report_malformed_input(const Run& run, int fasta_error) {
   std::string place = "record ";
   place += number2str(run.counter);
   place += ", line " + std::to_string(run.input->line_number()) + ": ";
-  general_PrintMessage(stderr, "Sorry! The input file \n   \"", global_input_filename,
-                       "\"\nis malformed at " + place, std::string(expectation(fasta_error)) + ".\n");
+  general_PrintMessage(stderr, "Sorry! The input file \n   \"", global_input_filename, "\"\nis malformed at " + place,
+                       std::string(expectation(fasta_error)) + ".\n");
 }
 
 /// Everything up to the first record. Returns EXIT_COMPLETE or the reason why the run ends here.
@@ -193,8 +197,8 @@ int run_to_exit_code(Run& run, int argc, const char* const* argv) {
     const int code = start(run, argc, argv);
     return code == EXIT_COMPLETE ? process_all_records(run) : code;
   } catch (const std::bad_alloc&) {
-    general_PrintMessage(stderr, "Sorry! Memory ran out while working on the input file \n   \"",
-                         global_input_filename, "\", record ", std::string(number2str(run.counter)) + ".\n");
+    general_PrintMessage(stderr, "Sorry! Memory ran out while working on the input file \n   \"", global_input_filename,
+                         "\", record ", std::string(number2str(run.counter)) + ".\n");
     return EXIT_OUT_OF_MEMORY;
   }
 }

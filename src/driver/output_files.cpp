@@ -15,7 +15,9 @@ namespace {
 
 constexpr std::size_t buffer_size = std::size_t{1} << 20;
 
-bool same_inode(const struct stat& a, const struct stat& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
+bool same_inode(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
 
 /// Where a file of this name is or would be created: links are followed even to a file that does not exist.
 std::filesystem::path resolved(const std::string& path) {
@@ -65,7 +67,9 @@ bool OutputFile::close() {
   return !failed_;
 }
 
-bool OutputFile::reader_has_gone() const { return failed_ && is_standard_output_ && reason_ == EPIPE; }
+bool OutputFile::reader_has_gone() const {
+  return failed_ && is_standard_output_ && reason_ == EPIPE;
+}
 
 void OutputFile::report_failure() const {
   if (reader_has_gone()) return;

@@ -8,7 +8,9 @@
 
 namespace {
 
-std::string yes_or_no(bool value) { return value ? "yes" : "no"; }
+std::string yes_or_no(bool value) {
+  return value ? "yes" : "no";
+}
 
 /// The word for 0, for 1, or for anything else.
 std::string word_for(int mode, const char* zero, const char* one, const char* other) {
@@ -47,8 +49,7 @@ void print_search_parameters(std::FILE* out, const char* prefix) {
   line("   Recursion depth:                 ", number2str(global_maximum_recursion_depth));
   line("   Minimum unit length:             ", number2str(global_min_unit_length));
   line("   Maximum unit length:             ", number2str(global_max_unit_length));
-  line("   Minimum score:                   ",
-       linear_rule(global_min_score, global_min_score_a, global_min_score_bx));
+  line("   Minimum score:                   ", linear_rule(global_min_score, global_min_score_a, global_min_score_bx));
   line("   Minimum length:                  ",
        linear_rule(global_min_length, global_min_length_a, global_min_length_bx));
   line("   Treat N's as:                    ", global_treat_Ns_as_missense ? "missense" : "neutral");

@@ -6,7 +6,7 @@
 
 #include "sequence/global-types-and-parameters.h"
 
-const char* const REPEAT_NAMES[7] = {"***  ERROR  ***", "mononucleotide",  "dinucleotide",   "trinucleotide",
+const char* const REPEAT_NAMES[7] = {"***  ERROR  ***", "mononucleotide",  "dinucleotide",  "trinucleotide",
                                      "tetranucleotide", "pentanucleotide", "hexanucleotide"};
 
 Csat_garbagecollector sat_alloc;
@@ -94,6 +94,10 @@ Csat* Csat_garbagecollector::take(const char* begin, const char* end) {
   return sat;
 }
 
-void Csat_garbagecollector::give_back(Csat* sat) { spare.push_back(sat); }
+void Csat_garbagecollector::give_back(Csat* sat) {
+  spare.push_back(sat);
+}
 
-void Csat_garbagecollector::give_back_all(std::list<Csat*>& sats) { spare.splice(spare.end(), sats); }
+void Csat_garbagecollector::give_back_all(std::list<Csat*>& sats) {
+  spare.splice(spare.end(), sats);
+}

@@ -53,8 +53,8 @@ class Csat {
   /// Takes the N bases off both ends, the right end first. The record must hold a base that is not N.
   void remove_Ns_at_ends();
 
-  /// Writes one repeat in the form that the run parameters choose; nothing for a unit that is itself periodic. The events
-  /// must be in the order of `sort_missense`, and `seq` NUL-terminated.
+  /// Writes one repeat in the form that the run parameters choose; nothing for a unit that is itself periodic. The
+  /// events must be in the order of `sort_missense`, and `seq` NUL-terminated.
   void report_sat(std::FILE* out, const CSequence_Mol& seq) const;
 
   /// "dinucleotide", "7-nucleotide". For unit lengths above 6 the text lies in a static buffer that the next call
@@ -67,8 +67,8 @@ class Csat {
     bool operator()(const Event& a, const Event& b) const;
   };
 
-  /// Sorts `missense` by position, deletions before the mismatch or the insertion at the same position, as a strict weak
-  /// ordering. A base is taken in once, so only deletions can share a position with another event.
+  /// Sorts `missense` by position, deletions before the mismatch or the insertion at the same position, as a strict
+  /// weak ordering. A base is taken in once, so only deletions can share a position with another event.
   void sort_missense();
 
   /// Frees the event list. The counts stay, so the repeat can be told from one without events.

@@ -10,8 +10,8 @@
 /// Which positions of one sequence may still anchor a seed. A kept repeat takes its positions out, but for those where
 /// it departs from the perfect repeat.
 ///
-/// One bit for each base, set where it is free, and a sentinel before the first and behind the last base that stays free,
-/// so that the test needs no bounds. The object owns the bits; it lives for one search.
+/// One bit for each base, set where it is free, and a sentinel before the first and behind the last base that stays
+/// free, so that the test needs no bounds. The object owns the bits; it lives for one search.
 class CAnchorSeq {
  public:
   /// The sequence begins at `begin` and has `length` bases.

@@ -27,9 +27,9 @@ struct CsatContainer {
 /// record is read. Every position in a record found here points into `seq`.
 class CSearchController {
  public:
-  unsigned sequence_number;   ///< 1-based number of the record in the input
-  CSequence_Mol& seq;         ///< the record searched; not owned
-  CsatContainer exact_sats;   ///< result of the exact search
+  unsigned sequence_number;      ///< 1-based number of the record in the input
+  CSequence_Mol& seq;            ///< the record searched; not owned
+  CsatContainer exact_sats;      ///< result of the exact search
   CsatContainer imperfect_sats;  ///< result of the two imperfect searches
 
   CSearchController(unsigned number, CSequence_Mol& sequence);
@@ -47,7 +47,8 @@ class CSearchController {
   void complete_imperfect_search();
 
   /// Removes, from a list sorted with lessThan_sat, the lower-scoring one of any two mostly overlapping repeats. Two
-  /// repeats mostly overlap when one of them has less than a unit outside the shared stretch. The earlier one wins a tie.
+  /// repeats mostly overlap when one of them has less than a unit outside the shared stretch. The earlier one wins a
+  /// tie.
   static void remove_hidden(CsatContainer& container);
 
   /// Writes the record's header lines and its repeats. Events of long repeats that were dropped are found again for it.
@@ -58,7 +59,8 @@ class CSearchController {
   /// Grows the left end; `stop` is the position before the first base that may be taken.
   bool extend_exact_backward(Csat& sat, const char* stop) const;
 
-  /// Grows the right end into an imperfect repeat, up to `seq_end`, exclusive. Events are appended in the order of the walk.
+  /// Grows the right end into an imperfect repeat, up to `seq_end`, exclusive. Events are appended in the order of the
+  /// walk.
   void extend_imperfect_forward(Csat& sat, const char* seq_end) const;
   /// Grows the left end; `left_limit` is the position before the first base that may be taken.
   void extend_imperfect_backward(Csat& sat, const char* left_limit) const;
@@ -67,8 +69,8 @@ class CSearchController {
   /// `next_N` is the first N at or after `begin`, or the sequence end.
   static bool valid_starting_pattern(const char* begin, const char* end, const char* next_N);
 
-  /// The exact repeats under `global_perfection_minimum`: a repeat that falls short, because of its N, is broken up into
-  /// the longest pieces from left to right that reach it. No mode selects this path yet.
+  /// The exact repeats under `global_perfection_minimum`: a repeat that falls short, because of its N, is broken up
+  /// into the longest pieces from left to right that reach it. No mode selects this path yet.
   void report_exact_sat_with_minimum_perfection(std::FILE* out) const;
   void find_and_report_all_sat_with_minimum_perfection_in_previously_determined_exact_sat(std::FILE* out,
                                                                                           const Csat& rep) const;
@@ -114,8 +116,8 @@ class CSearchController {
   /// most `depth` steps of lookahead, in ascending order, and lets the run status report.
   template <typename TrySeed>
   void for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed);
-  /// Takes out of `candidates` what the imperfect extension cannot bring to the user's minimum score. Such a seed would be
-  /// found and given back; it could not block another one either.
+  /// Takes out of `candidates` what the imperfect extension cannot bring to the user's minimum score. Such a seed would
+  /// be found and given back; it could not block another one either.
   void drop_seeds_that_cannot_grow(std::int64_t unit_length);
   template <typename TrySeed>
   void for_each_set_bit(const std::vector<std::uint64_t>& bits, std::int64_t unit_length, TrySeed try_seed);
@@ -126,7 +128,7 @@ class CSearchController {
   ThresholdTable minLengths_intern;
   ExtensionRules rules;
   BasePlanes planes;
-  mutable WalkGuide<true> forward_guide;    ///< only speeds the extension up
+  mutable WalkGuide<true> forward_guide;  ///< only speeds the extension up
   mutable WalkGuide<false> backward_guide;
   bool exact_first = false;  ///< records were extended exactly before the imperfect extension
   std::vector<std::uint64_t> candidates;

@@ -14,7 +14,8 @@ std::uint64_t gather_low_bits(std::uint64_t bytes) {
 
 }  // namespace
 
-/// In ASCII, bits 1 and 2 tell A (0, 0), C (1, 0), G (1, 1) and T (0, 1) apart, and of the five letters only N has bit 3.
+/// In ASCII, bits 1 and 2 tell A (0, 0), C (1, 0), G (1, 1) and T (0, 1) apart, and of the five letters only N has
+/// bit 3.
 BasePlanes::BasePlanes(const char* begin, const char* end)
     : words_((static_cast<std::size_t>(end - begin) + 63) / 64),
       low_(words_ + 2),

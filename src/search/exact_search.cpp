@@ -61,8 +61,8 @@ void CSearchController::search_exact_mononucleotides() {
   if (spare != nullptr) sat_alloc.give_back(spare);
 }
 
-/// A kept repeat that also passes the user's thresholds is covered, so that it is not found again in another phase of its
-/// unit or at a multiple of it. The cover is carried on to the longer units.
+/// A kept repeat that also passes the user's thresholds is covered, so that it is not found again in another phase of
+/// its unit or at a multiple of it. The cover is carried on to the longer units.
 void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq& cover) {
   const char* const end = seq.end();
   const char* next_N = seq.begin();

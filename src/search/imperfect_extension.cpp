@@ -27,8 +27,9 @@ class ImperfectWalk {
         window(planes, runs, first_base, circle, extension_rules),
         guide(walk_guide) {}
 
-  /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the record
-  /// takes the earliest state of the highest score on that way. A later state of equal score is not worth its events.
+  /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the
+  /// record takes the earliest state of the highest score on that way. A later state of equal score is not worth its
+  /// events.
   void run() {
     State state{Front<forward>::of(sat), sat.mismatches, sat.insertions, sat.deletions, sat.missense.size};
     State best;
@@ -94,8 +95,8 @@ class ImperfectWalk {
     return kind;
   }
 
-  /// The first step of the best combination of steps within the lookahead: 'M', 'I', 'D', or '-' when none is permitted.
-  /// On equal values a mismatch wins over an insertion and that over a deletion.
+  /// The first step of the best combination of steps within the lookahead: 'M', 'I', 'D', or '-' when none is
+  /// permitted. On equal values a mismatch wins over an insertion and that over a deletion.
   char choose_step(const FrontState& front) {
     const bool mismatch = mismatch_permitted(front);
     const bool indel = indel_permitted(front);

@@ -54,7 +54,8 @@ void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit
   if (spare != nullptr) sat_alloc.give_back(spare);
 }
 
-/// The lag filter decides a range of unit lengths at a time; a unit length outside the present range begins the next one.
+/// The lag filter decides a range of unit lengths at a time; a unit length outside the present range begins the next
+/// one.
 void CSearchController::prepare_candidates(std::int64_t unit_length) {
   if (unit_length <= lag_range_last) return;
   lag_range_first = unit_length;

@@ -16,14 +16,14 @@ constexpr std::int64_t block_rows = 4096;
 /// The bit sets of a range may take this much, and half a byte for each base.
 constexpr std::int64_t free_bytes = std::int64_t{32} << 20;
 
-/// What the forward walk of an undecided seed may gain at most; the backward walk may gain the rest of the minimum score.
-/// A small share lets the backward walk end early, a large one decides more forward walks.
+/// What the forward walk of an undecided seed may gain at most; the backward walk may gain the rest of the minimum
+/// score. A small share lets the backward walk end early, a large one decides more forward walks.
 std::int64_t forward_share(std::int64_t unit_length, std::int64_t minimum_score) {
   return std::min((minimum_score - 1) / 2, 3 + unit_length / 10);
 }
 
-/// The most insertions, or deletions, of a walk that is still permitted to go on: it starts with `budget` above the bound
-/// and matches at most its unit.
+/// The most insertions, or deletions, of a walk that is still permitted to go on: it starts with `budget` above the
+/// bound and matches at most its unit.
 std::int64_t longest_drift(std::int64_t unit_length, std::int64_t budget, const ExtensionRules& rules) {
   return (unit_length + budget - 1) / -rules.indel_score;
 }
@@ -62,8 +62,8 @@ LagTask make_task(std::int64_t first, std::int64_t last, const ThresholdTable& m
   return task;
 }
 
-/// The decided rows of one direction. Backward walks are forward walks on the reversed sequence: row x then belongs to the
-/// seeds that end at base n - x, exclusive.
+/// The decided rows of one direction. Backward walks are forward walks on the reversed sequence: row x then belongs to
+/// the seeds that end at base n - x, exclusive.
 class RangeScan {
  public:
   RangeScan(const char* begin, const char* end, const LagTask& task, bool forward,

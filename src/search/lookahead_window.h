@@ -15,9 +15,10 @@ __extension__ using Bits128 = unsigned __int128;
 /// Decides the steps of an imperfect walk on one bit for each comparison, for 64 sequence positions and all lags within
 /// reach, instead of base by base.
 ///
-/// A further step can only pay off where, after it, more bases match in a row than the mildest penalty costs: a long run.
-/// Where none is within reach of the lookahead, the value of a first step is its own score, and the best of the three is
-/// found by comparing three runs of matches. Otherwise the lookahead is done, cut off wherever no long run is in reach.
+/// A further step can only pay off where, after it, more bases match in a row than the mildest penalty costs: a long
+/// run. Where none is within reach of the lookahead, the value of a first step is its own score, and the best of the
+/// three is found by comparing three runs of matches. Otherwise the lookahead is done, cut off wherever no long run is
+/// in reach.
 ///
 /// The window stays valid for the walk that it was made for: one unit, one direction. It says nothing near N and the
 /// sequence's ends, where matches run out of it, and for depths or penalties beyond its width.
@@ -60,7 +61,7 @@ class LookaheadWindow {
   static constexpr std::int64_t width = 64;       ///< positions
   static constexpr std::int64_t most_drift = 12;  ///< lags on either side
   static constexpr std::int64_t most_depth = 8;
-  static constexpr std::size_t most_nodes = 96;   ///< of one level of the lookahead
+  static constexpr std::size_t most_nodes = 96;  ///< of one level of the lookahead
 
   /// A state of the walk: bases taken and lag changed since the anchor.
   struct Node {
@@ -142,8 +143,8 @@ class LookaheadWindow {
     return true;
   }
 
-  /// Positions of the window that matter for a state with `steps` steps left: those at which a run may begin, each run on
-  /// the way being shorter than a long one, and the long run that may begin at the last.
+  /// Positions of the window that matter for a state with `steps` steps left: those at which a run may begin, each run
+  /// on the way being shorter than a long one, and the long run that may begin at the last.
   std::int64_t reach(std::int64_t steps) const { return starts(steps) + long_run_; }
   std::int64_t starts(std::int64_t steps) const { return (steps - 1) * long_run_ + 2; }
 

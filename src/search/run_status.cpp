@@ -11,9 +11,13 @@ std::time_t time_next_status_report;
 
 }  // namespace
 
-void start_run_clock() { clock_tics_analysis_started = std::clock(); }
+void start_run_clock() {
+  clock_tics_analysis_started = std::clock();
+}
 
-void update_report_time() { time_next_status_report = std::time(nullptr) + 59; }
+void update_report_time() {
+  time_next_status_report = std::time(nullptr) + 59;
+}
 
 bool check_report_status() {
   if (std::time(nullptr) <= time_next_status_report) return false;

@@ -42,8 +42,8 @@ Bits all_ones() {
   return bits;
 }
 
-/// One kind of first step: what it costs, along which lag the walk goes on, how far from the stop the next comparison lies
-/// and for how many comparisons that lag stands for the unit.
+/// One kind of first step: what it costs, along which lag the walk goes on, how far from the stop the next comparison
+/// lies and for how many comparisons that lag stands for the unit.
 struct StepKind {
   std::int64_t penalty;
   std::int64_t lag;
@@ -77,7 +77,8 @@ struct Task {
 };
 
 /// Adds to `survivors` the stops of one direction behind which a step of one kind may lead on. `along` holds the
-/// matches at the kind's lag, with N counted as a match; `runs`[i] tells whether at least i matches lead up to the stop.
+/// matches at the kind's lag, with N counted as a match; `runs`[i] tells whether at least i matches lead up to the
+/// stop.
 template <bool forward>
 void add_survivors(const Task& task, const StepKind& kind, const Bits& along, const std::vector<Bits>& runs,
                    Bits& survivors) {
@@ -116,8 +117,8 @@ void find_survivors(const Task& task, std::int64_t first_word, const Bits& match
   for (std::size_t i = 1; i <= block_words; ++i) survivors[i] &= ~matches[i];
 }
 
-/// Adds the stops at which an N ends a run: what lies behind it is left to the extension. Only an N next to another base
-/// ends a run of admissible seeds.
+/// Adds the stops at which an N ends a run: what lies behind it is left to the extension. Only an N next to another
+/// base ends a run of admissible seeds.
 void add_stops_at_unknown(const Task& task, std::int64_t first_word, bool forward, Bits& survivors) {
   Bits unknown;
   task.planes.unknown(first_word - 1, padded_words, forward ? 0 : task.unit_length, unknown.data());

@@ -8,8 +8,8 @@
 
 /// Counts matches between the sequence and the endlessly repeated unit, 64 bases at a time.
 ///
-/// The unit is the half-open stretch `circle` of the sequence that `planes` was made of and that begins at `first_base`;
-/// all three must outlive the object.
+/// The unit is the half-open stretch `circle` of the sequence that `planes` was made of and that begins at
+/// `first_base`; all three must outlive the object.
 class UnitRuns {
  public:
   UnitRuns(const BasePlanes& planes, const char* first_base, const UnitCircle& circle)

@@ -9,10 +9,11 @@
 
 /// The steps of one long walk, so that later walks over the same stretch with the same unit need not find them again.
 ///
-/// Which step is best where a walk has stopped depends only on the position, on the unit and the phase there, and on what
-/// the score permits. In a satellite array many seeds have the same unit, in some rotation, and walk the whole array: once
-/// two such walks stop at the same place in the same phase, they go on alike as long as the score permits either all that
-/// the lookahead tries. Without the guide such arrays would take a lookahead at every step of every walk.
+/// Which step is best where a walk has stopped depends only on the position, on the unit and the phase there, and on
+/// what the score permits. In a satellite array many seeds have the same unit, in some rotation, and walk the whole
+/// array: once two such walks stop at the same place in the same phase, they go on alike as long as the score permits
+/// either all that the lookahead tries. Without the guide such arrays would take a lookahead at every step of every
+/// walk.
 template <bool forward>
 class WalkGuide {
  public:
@@ -44,8 +45,8 @@ class WalkGuide {
   /// Notes a step that was taken where everything was permitted.
   void note(const Front<forward>& front, char kind) { trace_.push_back({front.position, front.unit, kind}); }
 
-  /// To be called behind the last step. A walk that had to find a long way of its own becomes the guide, with what it was
-  /// told of the rest.
+  /// To be called behind the last step. A walk that had to find a long way of its own becomes the guide, with what it
+  /// was told of the rest.
   void end_walk() {
     if (trace_.size() < shortest_guide + found_) return;
     stops_.swap(trace_);
@@ -69,8 +70,8 @@ class WalkGuide {
   void place(const char* position) {
     if (!is_placed_) {
       const auto earlier = [](const Stop& stop, const char* at) { return comes_before(stop.position, at); };
-      next_ = static_cast<std::size_t>(std::lower_bound(stops_.begin(), stops_.end(), position, earlier) -
-                                       stops_.begin());
+      next_ =
+          static_cast<std::size_t>(std::lower_bound(stops_.begin(), stops_.end(), position, earlier) - stops_.begin());
       is_placed_ = true;
     }
     while (next_ < stops_.size() && comes_before(stops_[next_].position, position)) ++next_;

@@ -11,8 +11,7 @@ bool is_directory(const std::string& filename) {
 
 }  // namespace
 
-CFile::CFile(const std::string& filename) 
-    : block(new char[block_size]), current(block.get()), block_end(block.get()) {
+CFile::CFile(const std::string& filename) : block(new char[block_size]), current(block.get()), block_end(block.get()) {
   // A stream opens a directory without complaint and fails at the first read only.
   if (is_directory(filename)) {
     open_failed = true;

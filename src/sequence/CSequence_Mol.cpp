@@ -41,7 +41,9 @@ const char* copy_plain_blocks(const char* from, const char* to, char*& out) {
   return from;
 }
 #else
-const char* copy_plain_blocks(const char* from, const char* /*to*/, char*& /*out*/) { return from; }
+const char* copy_plain_blocks(const char* from, const char* /*to*/, char*& /*out*/) {
+  return from;
+}
 #endif
 
 /// The first line end in [from, to), or `to`.

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+// clang-format off: the table keeps its lines
 /// The parameters of a run.
 ///
 /// They are written twice, by `init_param` and then by the command line, both before any file is opened; afterwards
@@ -37,6 +38,7 @@
 /// | `global_indel_score`             | -6         | score, <= -2                | per inserted or deleted base |
 /// | `global_remove_mostly_hidden`    | true       |                             | drop the lower of two mostly overlapping repeats |
 /// | `global_mask_repeats`            | false      |                             | write the masked copy of the input |
+// clang-format on
 
 extern std::string global_input_filename;
 extern std::string global_output_filename;

@@ -78,7 +78,8 @@ LagTask make_task(std::int64_t first, std::int64_t last, std::uint16_t indel) {
   task.start = static_cast<std::uint16_t>(last + 24);
   for (std::size_t i = 0; i < task.lanes; ++i) {
     const std::int64_t unit = task.first_lag + static_cast<std::int64_t>(i);
-    task.crossing_limit.push_back(static_cast<std::uint16_t>(std::clamp<std::int64_t>(task.start - unit / 2, 0, 60000)));
+    task.crossing_limit.push_back(
+        static_cast<std::uint16_t>(std::clamp<std::int64_t>(task.start - unit / 2, 0, 60000)));
     task.gain_limit.push_back(6);
   }
   return task;
@@ -130,7 +131,9 @@ TEST_P(LagKernelTest, EqualsThePlainProgramme) {
   for (const std::int64_t last : {114, 115, 116}) compare_with_plain_programme(last - 1, last, 3, 3, ++seed);
 }
 
-std::string level_name(const testing::TestParamInfo<std::int64_t>& level) { return hwy::TargetName(level.param); }
+std::string level_name(const testing::TestParamInfo<std::int64_t>& level) {
+  return hwy::TargetName(level.param);
+}
 
 INSTANTIATE_TEST_SUITE_P(Levels, LagKernelTest, testing::ValuesIn(hwy::SupportedAndGeneratedTargets()), level_name);
 
