@@ -3,7 +3,8 @@
 #include <cstdint>
 #include <string>
 
-// clang-format off: the table keeps its lines
+// The table keeps its lines.
+// clang-format off
 /// The parameters of a run.
 ///
 /// They are written twice, by `init_param` and then by the command line, both before any file is opened; afterwards
