@@ -15,9 +15,7 @@
 class CAnchorSeq {
  public:
   /// The sequence begins at `begin` and has `length` bases.
-  CAnchorSeq(const char* begin, std::size_t length) : seq_begin(begin), seq_length(length), mask(length / 64 + 2) {
-    reset();
-  }
+  CAnchorSeq(const char* begin, std::size_t length) : seq_begin(begin), mask(length / 64 + 2) { reset(); }
 
   /// Frees all positions.
   void reset() { std::fill(mask.begin(), mask.end(), ~std::uint64_t{0}); }
@@ -66,6 +64,5 @@ class CAnchorSeq {
   }
 
   const char* seq_begin;
-  std::size_t seq_length;
   std::vector<std::uint64_t> mask;
 };
