@@ -98,7 +98,7 @@ void check_round_trip(const std::string& path, const std::string& records) {
   const std::string narrow = read_all(path, 7).records;
   written.write_at(0, narrow.data(), narrow.size());
   const Outcome again = read_all(written.path(), 80);
-  fuzz::require_same(again.records, records, "records that were written and read again");
+  fuzz::require_same(again.records, records, [] { return "records that were written and read again"; });
   fuzz::require(again.error == (records.empty() ? FASTA_HEADER_EXPECTED : -1), "records cannot be read again");
 }
 
@@ -106,9 +106,10 @@ void check_round_trip(const std::string& path, const std::string& records) {
 void check(const std::string& path, const std::string& prefix, const std::string& bytes) {
   const Outcome program = read_all(path, 80);
   const Outcome expected = reference_outcome(bytes);
+  const auto input = [&bytes] { return readable(bytes); };
   fuzz::require(program.records.compare(0, prefix.size(), prefix) == 0, "the long header is misread");
-  fuzz::require_same(program.records.substr(prefix.size()), expected.records, readable(bytes));
-  fuzz::require_same(std::to_string(program.error), std::to_string(expected.error), readable(bytes));
+  fuzz::require_same(program.records.substr(prefix.size()), expected.records, input);
+  fuzz::require_same(std::to_string(program.error), std::to_string(expected.error), input);
   const bool has_cause = program.error != FASTA_CANNOT_PUSH_BACK && program.error != FASTA_READ_FAILED;
   fuzz::require(has_cause, "an error that a file in memory cannot cause");
   if (prefix.empty()) check_round_trip(path, program.records);

@@ -33,9 +33,11 @@ std::string bytes_written_by(const std::function<void(std::FILE*)>& write) {
   return text;
 }
 
-void require_same(const std::string& program, const std::string& reference, const std::string& input) {
+void require_same(const std::string& program, const std::string& reference,
+                  const std::function<std::string()>& describe) {
   if (program == reference) return;
-  fail("program and reference differ for\n" + input + "\n--- program\n" + program + "\n--- reference\n" + reference);
+  fail("program and reference differ for\n" + describe() + "\n--- program\n" + program + "\n--- reference\n" +
+       reference);
 }
 
 namespace {

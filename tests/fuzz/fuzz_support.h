@@ -23,8 +23,9 @@ inline void require(bool holds, const char* what) {
 /// What `write` writes to the stream that it is given.
 std::string bytes_written_by(const std::function<void(std::FILE*)>& write);
 
-/// Fails with both texts and the description of the input if they are not the same.
-void require_same(const std::string& program, const std::string& reference, const std::string& input);
+/// Fails with both texts and what `describe` says of the input if they are not the same.
+void require_same(const std::string& program, const std::string& reference,
+                  const std::function<std::string()>& describe);
 
 /// While it lives, what goes to stdout, stderr, std::cout and std::cerr is thrown away. The descriptors stay as they
 /// are, so sanitizers are still heard.

@@ -98,7 +98,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::SearchInput input = fuzz::read_search_input(data, size);
   if (reference::check_options(input.options) != 0) return 0;
   const std::string fasta = ">r\n" + input.bases + "\n";
-  const std::string description = fuzz::command_line_of(input.options) + "\n" + fasta;
+  const auto description = [&] { return fuzz::command_line_of(input.options) + "\n" + fasta; };
 
   set_parameters(input.options);
   const Output program = program_output(input.bases);

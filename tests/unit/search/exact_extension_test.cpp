@@ -34,6 +34,12 @@ TEST_F(ExactExtensionTest, ForwardTakesBasesThatCopyTheUnit) {
   EXPECT_EQ(sequence->index(sat.unit_right), 2);
 }
 
+TEST_F(ExactExtensionTest, ForwardOverOneWholeCopyExpectsTheUnitsFirstBaseAgain) {
+  EXPECT_TRUE(forward("ACGACGT", 0, 3));
+  EXPECT_EQ(grown(), "[0,6) ACG score 3");
+  EXPECT_EQ(sequence->index(sat.unit_right), 0);
+}
+
 TEST_F(ExactExtensionTest, BackwardTakesBasesThatCopyTheUnit) {
   EXPECT_TRUE(backward("TCGACGACGT", 6, 3));
   EXPECT_EQ(grown(), "[1,9) ACG score 5");
