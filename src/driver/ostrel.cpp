@@ -183,6 +183,7 @@ int process_all_records(Run& run) {
       if (run.out.has_failed()) return EXIT_WRITE_FAILED;
     }
   } catch (int fasta_error) {
+    run.out.flush();  // what was found comes before the reason why there is no more
     report_malformed_input(run, fasta_error);
     return EXIT_MALFORMED_INPUT;
   }

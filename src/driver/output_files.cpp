@@ -85,7 +85,8 @@ bool same_file(const std::string& a, const std::string& b) {
   const bool b_exists = stat(b.c_str(), &status_b) == 0;
   if (a_exists != b_exists) return false;
   if (a_exists) return S_ISREG(status_a.st_mode) && same_inode(status_a, status_b);
-  return resolved(a) == resolved(b);
+  const std::filesystem::path place = resolved(a);
+  return !place.empty() && place == resolved(b);
 }
 
 bool is_standard_output(const std::string& path) {

@@ -81,9 +81,11 @@ class RangeScan {
   void run() {
     for (std::int64_t first_row = 0; first_row < size_ - task_.first_unit; first_row += rows_) {
       copy_bases(first_row);
-      LagRows rows{bases_.data(), rows_ + task_.last_unit, 0, rows_};
+      const std::int64_t rest = size_ - first_row;
+      const std::int64_t decided = std::min(rows_, rest);
+      LagRows rows{bases_.data(), std::min(rows_ + task_.last_unit, rest), 0, decided};
       certify_rows(task_, rows, certified_.data());
-      for (std::int64_t row = 0; row < rows_; ++row) mark_row(first_row + row, row);
+      for (std::int64_t row = 0; row < decided; ++row) mark_row(first_row + row, row);
     }
   }
 

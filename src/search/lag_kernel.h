@@ -34,7 +34,7 @@ struct LagTask {
 /// first_lag + lanes - 1].
 struct LagRows {
   const char* bases;
-  std::int64_t highest;        ///< first row worked; at least last_unit above the last row decided
+  std::int64_t highest;        ///< first row worked: last_unit above the last row decided, or at the sequence's end
   std::int64_t decided_begin;  ///< half-open range of the rows that are decided
   std::int64_t decided_end;
 };

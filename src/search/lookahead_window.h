@@ -187,7 +187,7 @@ class LookaheadWindow {
 
   bool make(const Front<forward>& front, const char* limit) {
     const std::int64_t room = forward ? limit - front.position : front.position - limit;
-    if (room < width || circle_.length() > INT32_MAX) return false;
+    if (room < width || circle_.length() > INT32_MAX / 2) return false;
     anchor_position_ = front.position;
     anchor_unit_ = front.unit;
     const std::int64_t first = front.position - first_base_ - (forward ? 0 : width);

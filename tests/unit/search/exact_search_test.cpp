@@ -51,6 +51,12 @@ TEST_F(ExactSearchTest, AnEmptySequenceYieldsNothing) {
   EXPECT_THAT(exact(""), IsEmpty());
 }
 
+TEST_F(ExactSearchTest, AnEmptySequenceYieldsNothingHoweverLowTheMinimumScore) {
+  global_min_score = -1;
+  global_min_score_bx = -5.0F;
+  EXPECT_THAT(exact(""), IsEmpty());
+}
+
 TEST_F(ExactSearchTest, WithUnitsFromTwoMononucleotideRunsAreNeverFound) {
   unit_lengths(2, 6);
   EXPECT_THAT(exact(std::string(15, 'A') + "ACACACACACACA"), ElementsAre("[15,28) AC score 11"));

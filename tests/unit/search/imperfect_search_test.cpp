@@ -7,6 +7,12 @@ using testing::IsEmpty;
 
 using ImperfectSearchTest = test::SearchTest;
 
+TEST_F(ImperfectSearchTest, AnEmptySequenceYieldsNothingHoweverLowTheMinimumScore) {
+  global_min_score = -1;
+  global_min_score_bx = -5.0F;
+  EXPECT_THAT(imperfect(""), IsEmpty());
+}
+
 TEST_F(ImperfectSearchTest, FindsARepeatWithAnInsertionOnce) {
   EXPECT_THAT(imperfect("ACACACACACGACACACACAC"), ElementsAre("[0,21) AC score 12 1 ins"));
 }
