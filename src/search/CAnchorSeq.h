@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "satellite/Csat.h"
+#include "search/walk_guide.h"
 
 /// Which positions of one sequence may still anchor a seed. A kept repeat takes its positions out, but for those where
 /// it departs from the perfect repeat.
@@ -39,6 +40,15 @@ class CAnchorSeq {
     clear_bits(bit_of(sat.pos_left), bit_of(sat.pos_right_end));
     for (const Csat::Event& event : sat.missense) {
       const std::size_t bit = bit_of(event.first);
+      mask[bit / 64] |= std::uint64_t{1} << (bit % 64);
+    }
+  }
+
+  /// Frees the positions of events that the record's list does not hold.
+  template <bool forward>
+  void free_events(const GuidedStretch<forward>& stretch) {
+    for (std::size_t i = stretch.first; i < stretch.end; ++i) {
+      const auto bit = static_cast<std::size_t>(stretch.guide->stops()[i].event_position() + 1);
       mask[bit / 64] |= std::uint64_t{1} << (bit % 64);
     }
   }

@@ -16,7 +16,9 @@ CSearchController::CSearchController(unsigned number, CSequence_Mol& sequence)
       minLengths_intern(0, 0, 0.0F),
       rules{global_mismatch_score, global_indel_score, global_maximum_recursion_depth, global_Ns_allowed_in_a_row,
             global_treat_Ns_as_missense},
-      planes(sequence.begin(), sequence.end()) {}
+      planes(sequence.begin(), sequence.end()),
+      forward_aids(sequence.begin(), sequence.end()),
+      backward_aids(sequence.begin(), sequence.end()) {}
 
 bool CSearchController::passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths) {
   const std::int64_t u = sat.unit_length();
@@ -49,13 +51,15 @@ void CSearchController::report_SATList(std::FILE* out, const std::list<Csat*>& s
 
 void CSearchController::drop_many_events(Csat& sat) {
   constexpr std::size_t many = 512;
-  if (sat.missense.size > many) sat.drop_events();
+  if (sat.missense.size > many || !sat.has_all_events()) sat.drop_events();
 }
 
 void CSearchController::find_dropped_events(Csat& sat) const {
   if (sat.has_all_events()) return;
   sat.seed(sat.unit_begin, sat.unit_end);
   if (exact_first) extend_exact_both_ways(sat);
-  grow_imperfect(sat);
+  extend_imperfect_forward(sat, seq.end());
+  extend_imperfect_backward(sat, seq.begin() - 1);
+  sat.remove_Ns_at_ends();
   sat.sort_missense();
 }

@@ -10,7 +10,7 @@
 #include "search/base_planes.h"
 #include "search/front.h"
 #include "search/thresholds.h"
-#include "search/walk_guide.h"
+#include "search/walk_aids.h"
 #include "sequence/CSequence_Mol.h"
 
 /// A result list. Its records go back to the pool when it is destroyed.
@@ -100,7 +100,7 @@ class CSearchController {
 
   void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found);
   void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found);
-  /// Grows the seed both ways, trims it and tests it.
+  /// Grows the seed both ways, trims it and tests it. Long stretches of events may be left untold.
   bool grow_imperfect(Csat& seed) const;
 
   /// Lets go of the events of a kept repeat that has many: in a satellite array thousands of repeats, most of which the
@@ -128,8 +128,11 @@ class CSearchController {
   ThresholdTable minLengths_intern;
   ExtensionRules rules;
   BasePlanes planes;
-  mutable WalkGuide<true> forward_guide;  ///< only speeds the extension up
-  mutable WalkGuide<false> backward_guide;
+  mutable WalkAids<true> forward_aids;  ///< only speed the extension up
+  mutable WalkAids<false> backward_aids;
+  /// Of the record grown last: stretches whose events are not in its list.
+  mutable std::vector<GuidedStretch<true>> forward_untold;
+  mutable std::vector<GuidedStretch<false>> backward_untold;
   bool exact_first = false;  ///< records were extended exactly before the imperfect extension
   std::vector<std::uint64_t> candidates;
   /// Candidates of the unit lengths that the lag filter has decided, an inclusive range; none if last < first.

@@ -26,7 +26,8 @@ template <typename TrySeed>
 void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed) {
   const std::int64_t minimum_score = (*minScores)[unit_length];
   const std::int64_t seeds = seq.end() - seq.begin() - unit_length;
-  if (seeds <= 0 || seeds < minimum_score) return;  // no more bases than these lie outside the unit, each worth +1 at most
+  if (seeds <= 0 || seeds < minimum_score)
+    return;  // no more bases than these lie outside the unit, each worth +1 at most
 
   ExtensionRules scan_rules = rules;
   scan_rules.maximum_depth = depth;

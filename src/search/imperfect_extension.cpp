@@ -1,14 +1,14 @@
 // The extension of a repeat into an imperfect one: a greedy walk with a bounded lookahead.
 
 #include <algorithm>
-#include <functional>
+#include <cstdlib>
+#include <optional>
 #include <tuple>
 #include <vector>
 
 #include "search/CSearchController.h"
 #include "search/lookahead_window.h"
 #include "search/unit_runs.h"
-#include "search/walk_guide.h"
 
 namespace {
 
@@ -16,47 +16,56 @@ namespace {
 template <bool forward>
 class ImperfectWalk {
  public:
+  /// `untold` null: all events are noted. Otherwise long stretches that a guide leads along are only named there.
   ImperfectWalk(Csat& record, const char* sequence_limit, const ExtensionRules& extension_rules,
-                const BasePlanes& planes, const char* first_base, WalkGuide<forward>& walk_guide)
+                const BasePlanes& planes, const char* first_base_of_sequence, WalkAids<forward>& aids,
+                std::vector<GuidedStretch<forward>>* untold)
       : sat(record),
         circle{record.unit_begin, record.unit_end},
         limit(sequence_limit),
         rules(extension_rules),
         bound(-circle.length()),
-        runs(planes, first_base, circle),
-        window(planes, runs, first_base, circle, extension_rules),
-        guide(walk_guide) {}
+        runs(planes, first_base_of_sequence, circle),
+        window(planes, runs, first_base_of_sequence, circle, extension_rules, aids.space),
+        first_base(first_base_of_sequence),
+        guides(aids.guides),
+        memo(aids.memo),
+        stretches(untold) {}
 
   /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the
   /// record takes the earliest state of the highest score on that way. A later state of equal score is not worth its
   /// events.
   void run() {
-    State state{Front<forward>::of(sat), sat.mismatches, sat.insertions, sat.deletions, sat.missense.size};
-    State best;
-    bool is_first = true;
-    guide.begin_walk(circle, limit);
-    while (true) {
-      const bool way_is_free = runs.extend_exact(state.front, limit, rules);
-      if (is_first || state.front.score > best.front.score) best = state;
-      is_first = false;
-      if (!way_is_free || rules.maximum_depth == 0 || state.front.position == limit) break;
-      const char kind = next_step(state.front);
-      if (kind == '-') break;
-      commit(kind, state);
+    if (stretches != nullptr) stretches->clear();
+    guides.begin_walk(circle);
+    State state{Front<forward>::of(sat), {sat.mismatches, sat.insertions, sat.deletions}, sat.missense.size, 0, 0};
+    bool way_is_free = runs.extend_exact(state.front, limit, rules);
+    State best = state;
+    while (way_is_free && rules.maximum_depth > 0 && state.front.position != limit) {
+      if (follow_guide(state, best)) continue;
+      const Step step = next_step(state.front);
+      if (step.kind == '-') break;
+      commit(step.kind, state);
+      way_is_free = extend_exact(step, state.front);
+      if (state.front.score > best.front.score) best = state;
     }
-    guide.end_walk();
+    guides.end_stretch();
     adopt(best);
   }
 
  private:
   using FrontState = Front<forward>;
 
+  using Counts = typename WalkGuide<forward>::Counts;
+  using Hit = typename WalkGuides<forward>::Hit;
+  using Step = typename StepMemo<forward>::Step;
+
   struct State {
     FrontState front;
-    std::uint32_t mismatches;
-    std::uint32_t insertions;
-    std::uint32_t deletions;
-    std::size_t events;
+    Counts counts;
+    std::size_t events;       ///< in the record's list
+    std::size_t stretches;    ///< that were only named
+    std::size_t stretch_end;  ///< of the last of them: this state may lie inside it
   };
 
   /// A step may be tried only while the score after it stays above minus the unit length.
@@ -87,12 +96,98 @@ class ImperfectWalk {
     return front.score + rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score) > bound;
   }
 
-  char next_step(const FrontState& front) {
-    if (!all_permitted(front)) return choose_step(front);
-    const char known = guide.step_at(front);
-    const char kind = known != '?' ? known : choose_step(front);
-    guide.note(front, kind);
-    return kind;
+  Step next_step(const FrontState& front) {
+    if (!all_permitted(front)) {
+      guides.end_stretch();
+      return {choose_step(front)};
+    }
+    const Step step = remembered_step(front);
+    guides.note(front, step.kind);
+    return step;
+  }
+
+  /// The best step where all are permitted, found or remembered.
+  Step remembered_step(const FrontState& front) {
+    const std::int64_t rest = unit_bases_ahead(front);
+    const Step known = memo.step_at(front, rest);
+    if (known.kind != '?') return known;
+    const char kind = window.choose(front, limit, true, true);
+    if (kind == '?') return {deep_step(front, true, true)};
+    memo.note(front, kind, rest, window.unit_bases_seen());
+    return {kind};
+  }
+
+  /// Until the unit begins anew.
+  std::int64_t unit_bases_ahead(const FrontState& front) const {
+    return forward ? circle.end - front.unit : front.unit + 1 - circle.begin;
+  }
+
+  bool extend_exact(const Step& /*step*/, FrontState& front) const { return runs.extend_exact(front, limit, rules); }
+
+  /// Follows a guide that stands where the walk has stopped, as far as it leads and everything is permitted. False if
+  /// the walk has not moved.
+  bool follow_guide(State& state, State& best) {
+    if (!all_permitted(state.front)) return false;
+    const std::optional<Hit> hit = guides.at(state.front);
+    if (!hit) return false;
+    guides.end_stretch();
+    const WalkGuide<forward>& guide = *hit->guide;
+    const std::int64_t lead = state.front.score - guide.stops()[hit->stop].score;
+    const std::int64_t too_low = bound - rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score);
+    const std::size_t last = guide.first_at_most(hit->stop, too_low - lead);
+    if (last == hit->stop) return false;
+    const std::size_t highest = guide.highest(hit->stop, last);
+    const bool is_best = guide.stops()[highest].score + lead > best.front.score;
+    const State before = state;
+    note_events(*hit, last, state);
+    if (is_best) {
+      best = led_to(highest, *hit, before);
+      if (state.stretches > before.stretches) {
+        best.stretches = state.stretches;
+        best.stretch_end = highest;
+      } else {
+        best.events = before.events + (highest - hit->stop);
+      }
+    }
+    const State moved = led_to(last, *hit, before);
+    state.front = moved.front;
+    state.counts = moved.counts;
+    return true;
+  }
+
+  /// The state at a later stop of the guide.
+  State led_to(std::size_t stop, const Hit& hit, State state) const {
+    const auto& from = hit.guide->stops()[hit.stop];
+    const auto& to = hit.guide->stops()[stop];
+    const Counts steps = hit.guide->steps(hit.stop, stop);
+    const std::int64_t bases = std::abs(std::int64_t{to.position} - from.position);
+    const std::int64_t gain = std::int64_t{to.score} - from.score;
+    const std::int64_t indels = std::int64_t{steps.insertions} + steps.deletions;
+    const std::int64_t matches = gain - steps.mismatches * rules.mismatch_score - indels * rules.indel_score;
+    runs.advance(state.front, bases - steps.insertions + steps.deletions);
+    state.front.position = first_base + to.position;
+    state.front.score += gain;
+    state.front.num_Ns += static_cast<std::uint32_t>(bases - matches - steps.mismatches - steps.insertions);
+    state.counts.mismatches += steps.mismatches;
+    state.counts.insertions += steps.insertions;
+    state.counts.deletions += steps.deletions;
+    return state;
+  }
+
+  /// Notes the events at the guide's stops from the hit up to `end`, exclusive, or only the stretch if it is long.
+  void note_events(const Hit& hit, std::size_t end, State& state) {
+    if (stretches != nullptr && end - hit.stop > longest_told_stretch) {
+      stretches->resize(state.stretches);
+      stretches->push_back({hit.guide, hit.stop, end});
+      ++state.stretches;
+      state.stretch_end = end;
+      return;
+    }
+    for (std::size_t i = hit.stop; i < end; ++i) {
+      const auto& stop = hit.guide->stops()[i];
+      sat.missense.push_back({first_base + stop.event_position(), stop.kind()});
+    }
+    state.events = sat.missense.size;
   }
 
   /// The first step of the best combination of steps within the lookahead: 'M', 'I', 'D', or '-' when none is
@@ -102,8 +197,11 @@ class ImperfectWalk {
     const bool indel = indel_permitted(front);
     if (!mismatch && !indel) return '-';
     const char obvious = window.choose(front, limit, mismatch, indel);
-    if (obvious != '?') return obvious;
+    return obvious != '?' ? obvious : deep_step(front, mismatch, indel);
+  }
 
+  /// As choose_step, without the window.
+  char deep_step(const FrontState& front, bool mismatch, bool indel) {
     std::int64_t best = bound - 1;
     char choice = '-';
     const auto offer = [&](char kind, std::int64_t value) {
@@ -163,15 +261,15 @@ class ImperfectWalk {
     switch (kind) {
       case 'M':
         state.front = after_mismatch(state.front);
-        ++state.mismatches;
+        ++state.counts.mismatches;
         break;
       case 'I':
         state.front = after_insertion(state.front);
-        ++state.insertions;
+        ++state.counts.insertions;
         break;
       default:
         state.front = after_deletion(state.front);
-        ++state.deletions;
+        ++state.counts.deletions;
     }
     sat.missense.push_back({forward ? before : state.front.position, kind});
     state.events = sat.missense.size;
@@ -179,11 +277,16 @@ class ImperfectWalk {
 
   void adopt(const State& state) {
     state.front.store(sat);
-    sat.mismatches = state.mismatches;
-    sat.insertions = state.insertions;
-    sat.deletions = state.deletions;
+    sat.mismatches = state.counts.mismatches;
+    sat.insertions = state.counts.insertions;
+    sat.deletions = state.counts.deletions;
     sat.missense.size = state.events;
+    if (stretches == nullptr) return;
+    stretches->resize(state.stretches);
+    if (!stretches->empty()) stretches->back().end = state.stretch_end;
   }
+
+  static constexpr std::size_t longest_told_stretch = 512;
 
   Csat& sat;
   const UnitCircle circle;
@@ -192,7 +295,10 @@ class ImperfectWalk {
   const std::int64_t bound;
   const UnitRuns runs;
   LookaheadWindow<forward> window;
-  WalkGuide<forward>& guide;
+  const char* const first_base;
+  WalkGuides<forward>& guides;
+  StepMemo<forward>& memo;
+  std::vector<GuidedStretch<forward>>* const stretches;
   std::vector<FrontState> level;
   std::vector<FrontState> next_level;
 };
@@ -200,9 +306,16 @@ class ImperfectWalk {
 }  // namespace
 
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* seq_end) const {
-  ImperfectWalk<true>(sat, seq_end, rules, planes, seq.begin(), forward_guide).run();
+  ImperfectWalk<true>(sat, seq_end, rules, planes, seq.begin(), forward_aids, nullptr).run();
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_limit) const {
-  ImperfectWalk<false>(sat, left_limit + 1, rules, planes, seq.begin(), backward_guide).run();
+  ImperfectWalk<false>(sat, left_limit + 1, rules, planes, seq.begin(), backward_aids, nullptr).run();
+}
+
+bool CSearchController::grow_imperfect(Csat& seed) const {
+  ImperfectWalk<true>(seed, seq.end(), rules, planes, seq.begin(), forward_aids, &forward_untold).run();
+  ImperfectWalk<false>(seed, seq.begin(), rules, planes, seq.begin(), backward_aids, &backward_untold).run();
+  seed.remove_Ns_at_ends();
+  return is_accepted(seed);
 }

@@ -70,15 +70,10 @@ void CSearchController::prepare_candidates(std::int64_t unit_length) {
   filter.mark_candidates(lag_range_first, lag_range_last, *minScores, lag_candidates);
 }
 
-bool CSearchController::grow_imperfect(Csat& seed) const {
-  extend_imperfect_forward(seed, seq.end());
-  extend_imperfect_backward(seed, seq.begin() - 1);
-  seed.remove_Ns_at_ends();
-  return is_accepted(seed);
-}
-
 void CSearchController::keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const {
   anchors.cover(*sat);
+  for (const GuidedStretch<true>& stretch : forward_untold) anchors.free_events(stretch);
+  for (const GuidedStretch<false>& stretch : backward_untold) anchors.free_events(stretch);
   drop_many_events(*sat);
   sat->sort_missense();
   found.push_back(sat);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 
 #include "search/base_planes.h"
@@ -11,6 +13,66 @@
 
 /// 128 bits in one value; a compiler extension that g++ and clang have on every 64-bit machine.
 __extension__ using Bits128 = unsigned __int128;
+
+/// Working space of the lookahead, to be shared by the windows of one thread: too large to be cleared for each walk.
+class LookaheadSpace {
+ public:
+  static constexpr std::int64_t width = 64;       ///< positions
+  static constexpr std::int64_t most_drift = 12;  ///< lags on either side
+
+  /// One score for each kind of first step, in the order of preference: M, I, D.
+  using Values = std::array<std::int64_t, 3>;
+
+  /// Bases taken, and lag changed, since the anchor.
+  struct Place {
+    std::int64_t position;
+    std::int64_t drift;
+  };
+
+  struct Node {
+    Place place;
+    Values scores;
+  };
+
+  /// The places to which equally many steps lead, each once.
+  struct Level {
+    static constexpr std::size_t most_nodes = 256;
+    Node nodes[most_nodes];
+    std::size_t size = 0;
+  };
+
+  /// Empties the level, the one that is filled from now on.
+  void begin(Level& level) {
+    level.size = 0;
+    ++level_number_;
+    if (level_number_ >> (32 - index_bits) == 0) return;
+    std::fill(std::begin(nodes_at_), std::end(nodes_at_), 0U);
+    level_number_ = 1;
+  }
+
+  /// Adds a place to the level begun last. Of two ways into one place the higher-scoring one is enough. False if the
+  /// level is full.
+  bool push(const Place& place, const Values& scores, Level& level) {
+    std::uint32_t& entry = nodes_at_[static_cast<std::size_t>(place.position * drifts + place.drift + most_drift)];
+    if (entry >> index_bits == level_number_) {
+      Values& other = level.nodes[entry & (Level::most_nodes - 1)].scores;
+      for (std::size_t kind = 0; kind < scores.size(); ++kind) other[kind] = std::max(other[kind], scores[kind]);
+      return true;
+    }
+    if (level.size == Level::most_nodes) return false;
+    entry = level_number_ << index_bits | static_cast<std::uint32_t>(level.size);
+    level.nodes[level.size++] = {place, scores};
+    return true;
+  }
+
+  Level levels[2];
+
+ private:
+  static constexpr int index_bits = 8;
+  static constexpr std::int64_t drifts = 2 * most_drift + 1;
+  std::uint32_t level_number_ = 0;
+  std::uint32_t nodes_at_[(width + 1) * drifts] = {};  ///< number of a level, and of its node that has the place
+};
 
 /// Decides the steps of an imperfect walk on one bit for each comparison, for 64 sequence positions and all lags within
 /// reach, instead of base by base.
@@ -27,7 +89,7 @@ class LookaheadWindow {
  public:
   /// `first_base` is the sequence that `planes` was made of. `circle` is the unit of the walk, `runs` its matches.
   LookaheadWindow(const BasePlanes& planes, const UnitRuns& runs, const char* first_base, const UnitCircle& circle,
-                  const ExtensionRules& rules)
+                  const ExtensionRules& rules, LookaheadSpace& space)
       : planes_(planes),
         runs_(runs),
         first_base_(first_base),
@@ -35,112 +97,103 @@ class LookaheadWindow {
         rules_(rules),
         long_run_(std::min(-rules.mismatch_score, -rules.indel_score) + 1),
         usable_(rules.maximum_depth >= 1 && rules.maximum_depth <= most_depth && long_run_ <= 16 &&
-                reach(rules.maximum_depth) <= width) {}
+                reach(rules.maximum_depth) <= width),
+        space_(space) {}
 
   /// The best first step of a walk that has stopped at `front`, of those permitted: 'M', 'I' or 'D'; '?' if the window
   /// cannot tell. `limit` is where the sequence ends for this direction.
   char choose(const Front<forward>& front, const char* limit, bool mismatch_permitted, bool indel_permitted) {
     if (!usable_ || !locate(front, limit)) return '?';
-    Node here{position_, drift_, front.score};
-    const bool plain = no_long_run_in_reach(here, rules_.maximum_depth);
+    Place here{position_, drift_};
+    const bool plain = no_long_run_in_reach(here.position, rules_.maximum_depth);
     if (!plain && position_ > 0) {  // the lookahead needs all the room there is
       made_ = make(front, limit);
       if (!made_ || !place(front)) return '?';
-      here = {position_, drift_, front.score};
+      here = {position_, drift_};
     }
-    Choice choice;
-    if (mismatch_permitted) offer(choice, 'M', after_mismatch(here), plain);
-    if (indel_permitted) {
-      offer(choice, 'I', after_insertion(here), plain);
-      offer(choice, 'D', after_deletion(here), plain);
+    seen_ = position_ + reach(rules_.maximum_depth);
+    Values values{lost, lost, lost};
+    if (mismatch_permitted) values[0] = front.score + rules_.mismatch_score;
+    if (indel_permitted) values[1] = values[2] = front.score + rules_.indel_score;
+    if (plain) {
+      values[0] += run(here.position + 1, here.drift);
+      values[1] += run(here.position + 1, here.drift + 1);
+      values[2] += run(here.position, here.drift - 1);
+    } else if (!look_ahead(here, values)) {
+      return '?';
     }
-    return choice.unknown ? '?' : choice.kind;
+    return "MID"[std::max_element(values.begin(), values.end()) - values.begin()];  // the first of equal ones
   }
+
+  /// How many unit bases from the front on the last choice depends on, at most.
+  std::int64_t unit_bases_seen() const { return seen_ - position_ + rules_.maximum_depth; }
 
  private:
-  static constexpr std::int64_t width = 64;       ///< positions
-  static constexpr std::int64_t most_drift = 12;  ///< lags on either side
+  static constexpr std::int64_t width = LookaheadSpace::width;
+  static constexpr std::int64_t most_drift = LookaheadSpace::most_drift;
   static constexpr std::int64_t most_depth = 8;
-  static constexpr std::size_t most_nodes = 96;  ///< of one level of the lookahead
+  static constexpr std::int64_t lost = INT64_MIN / 2;
 
-  /// A state of the walk: bases taken and lag changed since the anchor.
-  struct Node {
-    std::int64_t position;
-    std::int64_t drift;
-    std::int64_t score;
-  };
+  using Place = LookaheadSpace::Place;
+  using Values = LookaheadSpace::Values;
+  using Node = LookaheadSpace::Node;
+  using Level = LookaheadSpace::Level;
 
-  struct Level {
-    Node nodes[most_nodes];
-    std::size_t size = 0;
-  };
+  static Place after_mismatch(const Place& p) { return {p.position + 1, p.drift}; }
+  static Place after_insertion(const Place& p) { return {p.position + 1, p.drift + 1}; }
+  static Place after_deletion(const Place& p) { return {p.position, p.drift - 1}; }
 
-  struct Choice {
-    char kind = '?';
-    std::int64_t value = INT64_MIN;
-    bool unknown = false;
-  };
-
-  Node after_mismatch(const Node& n) const { return {n.position + 1, n.drift, n.score + rules_.mismatch_score}; }
-  Node after_insertion(const Node& n) const { return {n.position + 1, n.drift + 1, n.score + rules_.indel_score}; }
-  Node after_deletion(const Node& n) const { return {n.position, n.drift - 1, n.score + rules_.indel_score}; }
-
-  /// On equal values the kind offered first stays.
-  void offer(Choice& choice, char kind, const Node& first, bool plain) {
-    std::int64_t value = 0;
-    if (plain) {
-      value = first.score + run(first);
-    } else if (!look_ahead(first, value)) {
-      choice.unknown = true;
-    }
-    if (value <= choice.value) return;
-    choice.value = value;
-    choice.kind = kind;
-  }
-
-  /// The highest score within the lookahead after a first step; false if it leaves the window.
-  bool look_ahead(const Node& first, std::int64_t& best) {
-    best = first.score;
-    Level* level = &levels_[0];
-    Level* next = &levels_[1];
-    level->size = 1;
-    level->nodes[0] = first;
+  /// Replaces each value, the score right after a first step, by the highest score within the lookahead behind it;
+  /// false if that leaves the window.
+  bool look_ahead(const Place& here, Values& values) {
+    Level* level = &space_.levels[0];
+    Level* next = &space_.levels[1];
+    space_.begin(*level);
+    if (values[0] > lost) space_.push(after_mismatch(here), {values[0], lost, lost}, *level);
+    if (values[1] > lost) space_.push(after_insertion(here), {lost, values[1], lost}, *level);
+    if (values[2] > lost) space_.push(after_deletion(here), {lost, lost, values[2]}, *level);
     for (std::int64_t left = rules_.maximum_depth - 1; level->size > 0; --left) {
-      next->size = 0;
+      space_.begin(*next);
       for (std::size_t i = 0; i < level->size; ++i) {
-        Node node = level->nodes[i];
-        const std::int64_t matches = run(node);
-        node.position += matches;
-        node.score += matches;
-        best = std::max(best, node.score);
-        if (node.position >= width) return false;  // the run may go on outside
+        Node& node = level->nodes[i];
+        const std::int64_t matches = run(node.place.position, node.place.drift);
+        node.place.position += matches;
+        for (std::size_t kind = 0; kind < values.size(); ++kind) {
+          node.scores[kind] += matches;
+          values[kind] = std::max(values[kind], node.scores[kind]);
+        }
+        if (node.place.position >= width) return false;  // the run may go on outside
+        const std::int64_t seen = node.place.position + (left == 0 ? 1 : reach(left));
+        if (seen > width) return false;
+        seen_ = std::max(seen_, seen);
         if (left == 0) continue;
-        if (node.position + reach(left) > width) return false;
-        if (!no_long_run_in_reach(node, left) && !push_steps(node, *next)) return false;
+        if (!no_long_run_in_reach(node.place.position, left) && !push_steps(node, *next)) return false;
       }
       std::swap(level, next);
     }
     return true;
   }
 
-  bool push_steps(const Node& node, Level& next) {
+  /// The scores after a step, where it is permitted.
+  bool after(const Values& scores, std::int64_t step_score, Values& later) const {
     const std::int64_t bound = -circle_.length();
-    if (node.score + rules_.mismatch_score > bound && !push(after_mismatch(node), next)) return false;
-    if (node.score + rules_.indel_score <= bound) return true;
-    return push(after_insertion(node), next) && push(after_deletion(node), next);
+    bool any = false;
+    for (std::size_t kind = 0; kind < scores.size(); ++kind) {
+      const bool permitted = scores[kind] + step_score > bound;
+      later[kind] = permitted ? scores[kind] + step_score : lost;
+      any |= permitted;
+    }
+    return any;
   }
 
-  /// Of two ways into one state the higher-scoring one is enough.
-  bool push(const Node& node, Level& next) {
-    for (std::size_t i = 0; i < next.size; ++i) {
-      Node& other = next.nodes[i];
-      if (other.position != node.position || other.drift != node.drift) continue;
-      other.score = std::max(other.score, node.score);
-      return true;
+  bool push_steps(const Node& node, Level& next) {
+    Values scores;
+    if (after(node.scores, rules_.mismatch_score, scores) && !space_.push(after_mismatch(node.place), scores, next)) {
+      return false;
     }
-    if (next.size == most_nodes) return false;
-    next.nodes[next.size++] = node;
-    return true;
+    if (!after(node.scores, rules_.indel_score, scores)) return true;
+    return space_.push(after_insertion(node.place), scores, next) &&
+           space_.push(after_deletion(node.place), scores, next);
   }
 
   /// Positions of the window that matter for a state with `steps` steps left: those at which a run may begin, each run
@@ -149,18 +202,17 @@ class LookaheadWindow {
   std::int64_t starts(std::int64_t steps) const { return (steps - 1) * long_run_ + 2; }
 
   /// Whether no run that pays for its step begins where `steps` steps can lead from a state that has stopped.
-  bool no_long_run_in_reach(const Node& node, std::int64_t steps) const {
+  bool no_long_run_in_reach(std::int64_t position, std::int64_t steps) const {
     const std::int64_t count = starts(steps);
-    return forward ? (long_runs_ >> node.position & low_bits(count)) == 0
-                   : long_runs_ << node.position >> (width - count) == 0;
+    return forward ? (long_runs_ >> position & low_bits(count)) == 0 : long_runs_ << position >> (width - count) == 0;
   }
 
   /// The matches in a row from a state on.
-  std::int64_t run(const Node& node) const {
-    const std::uint64_t matches = matches_[node.drift + most_drift];
-    if (node.position >= width) return 0;
-    const std::uint64_t misses = forward ? ~matches >> node.position : ~matches << node.position;
-    if (misses == 0) return width - node.position;
+  std::int64_t run(std::int64_t position, std::int64_t drift) const {
+    const std::uint64_t matches = matches_[drift + most_drift];
+    if (position >= width) return 0;
+    const std::uint64_t misses = forward ? ~matches >> position : ~matches << position;
+    if (misses == 0) return width - position;
     return forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
   }
 
@@ -233,13 +285,14 @@ class LookaheadWindow {
   const ExtensionRules& rules_;
   const std::int64_t long_run_;  ///< matches in a row that pay for a step
   const bool usable_;
+  LookaheadSpace& space_;
 
   bool made_ = false;
   const char* anchor_position_ = nullptr;
   const char* anchor_unit_ = nullptr;
   std::int64_t position_ = 0;  ///< of the front, in bases taken since the anchor
+  std::int64_t seen_ = 0;      ///< positions that the last choice depends on
   std::int64_t drift_ = 0;     ///< of the front: sequence bases less unit bases taken since the anchor
   std::uint64_t long_runs_ = 0;
   std::uint64_t matches_[2 * most_drift + 1];
-  Level levels_[2];
 };

@@ -44,8 +44,7 @@ std::string number(float value) {
 // A decimal integer, right-aligned in at least `width` characters.
 std::string padded(int width, Int value) {
   char text[64];
-  std::snprintf(text, sizeof text, "%*lld", width,
-                static_cast<long long>(value));
+  std::snprintf(text, sizeof text, "%*lld", width, static_cast<long long>(value));
   return text;
 }
 
@@ -141,8 +140,7 @@ class FastaFile {
 };
 
 // The record as FASTA, `width` bases to a line.
-void write_sequence(std::string& out, const Sequence& sequence,
-                    std::size_t width) {
+void write_sequence(std::string& out, const Sequence& sequence, std::size_t width) {
   out += ">" + as_c_string(sequence.name) + "\n";
   for (std::size_t i = 0; i < sequence.bases.size(); i += width) {
     out += sequence.bases.substr(i, width);
@@ -249,9 +247,13 @@ Record seed_record(Int first, Int unit_length) {
   return s;
 }
 
-Int unit_length_of(const Record& s) { return s.unit_end - s.unit_begin; }
+Int unit_length_of(const Record& s) {
+  return s.unit_end - s.unit_begin;
+}
 
-Int length_of(const Record& s) { return s.pos_right_end - s.pos_left; }
+Int length_of(const Record& s) {
+  return s.pos_right_end - s.pos_left;
+}
 
 Int normalised_length_of(const Record& s) {
   return length_of(s) - s.insertions + s.deletions;
@@ -296,10 +298,7 @@ enum class Thresholds { user, intern };
 class Search {
  public:
   Search(const Options& options, const Sequence& sequence)
-      : o_(options),
-        sequence_(sequence),
-        bases_(sequence.bases),
-        end_(static_cast<Int>(sequence.bases.size())) {}
+      : o_(options), sequence_(sequence), bases_(sequence.bases), end_(static_cast<Int>(sequence.bases.size())) {}
 
   // Runs the search of the selected mode; the result is in report order.
   std::list<Record> search() {
@@ -312,22 +311,17 @@ class Search {
   void report(std::string& out, const std::list<Record>& records) const;
 
  private:
-  char base(Int position) const {
-    return bases_[static_cast<std::size_t>(position)];
-  }
+  char base(Int position) const { return bases_[static_cast<std::size_t>(position)]; }
 
   std::string bases_between(Int from, Int to) const {
-    return bases_.substr(static_cast<std::size_t>(from),
-                         static_cast<std::size_t>(to - from));
+    return bases_.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from));
   }
 
   // --- thresholds ---
 
   static Int linear_threshold(int plain, int a, float bx, Int unit_length) {
     const long double linear =
-        std::ceil(static_cast<long double>(a) +
-                  static_cast<long double>(unit_length) *
-                      static_cast<long double>(bx));
+        std::ceil(static_cast<long double>(a) + static_cast<long double>(unit_length) * static_cast<long double>(bx));
     Int value;
     if (!(linear > -2147483648.0L)) {
       value = -2147483648LL;
@@ -346,14 +340,12 @@ class Search {
 
   Int min_length(Thresholds which, Int u) const {
     if (which == Thresholds::intern) return 0;
-    return linear_threshold(o_.min_length, o_.min_length_a, o_.min_length_bx,
-                            u);
+    return linear_threshold(o_.min_length, o_.min_length_a, o_.min_length_bx, u);
   }
 
   bool passes(Thresholds which, const Record& s) const {
     const Int u = unit_length_of(s);
-    return s.score >= min_score(which, u) &&
-           normalised_length_of(s) >= min_length(which, u);
+    return s.score >= min_score(which, u) && normalised_length_of(s) >= min_length(which, u);
   }
 
   // --- what all searches share ---
@@ -405,8 +397,7 @@ class Search {
   // Imperfect extension.
   enum class Verdict { ended, chosen };
   Verdict look_forward(Record& s, Int seq_end, char& choice, Int& value) const;
-  Verdict look_backward(Record& s, Int left_limit, char& choice,
-                        Int& value) const;
+  Verdict look_backward(Record& s, Int left_limit, char& choice, Int& value) const;
   Int lookahead_forward(Record& s, Int seq_end) const;
   Int lookahead_backward(Record& s, Int left_limit) const;
   void extend_imperfect_forward(Record& s, Int seq_end) const;
@@ -418,9 +409,7 @@ class Search {
   std::string bases_line(const Record& s) const;
   std::string alignment(const Record& s) const;
   double percentage_perfection(const Record& s) const;
-  Int left_flank_begin(const Record& s) const {
-    return std::max<Int>(0, s.pos_left - static_cast<Int>(o_.flanking));
-  }
+  Int left_flank_begin(const Record& s) const { return std::max<Int>(0, s.pos_left - static_cast<Int>(o_.flanking)); }
   Int right_flank_end(const Record& s) const {
     return std::min<Int>(end_, s.pos_right_end + static_cast<Int>(o_.flanking));
   }
@@ -498,9 +487,7 @@ std::list<Record> Search::exact_search(Thresholds active) const {
 
   // cover[i + 1] describes base i; there is a guard on either side.
   std::string cover(static_cast<std::size_t>(end_) + 2, 'a');
-  const auto at = [&cover](Int i) -> char& {
-    return cover[static_cast<std::size_t>(i + 1)];
-  };
+  const auto at = [&cover](Int i) -> char& { return cover[static_cast<std::size_t>(i + 1)]; };
 
   Int k = o_.min_unit_length;
 
@@ -527,8 +514,7 @@ std::list<Record> Search::exact_search(Thresholds active) const {
     for (Int p = 0; p + k < end_; ++p) {
       if (next_N < p) next_N = first_N_from(p);
       const bool admissible =
-          (at(p) == 'a' && (at(p + k - 1) == 'a' || at(p + k) == 'a')) ||
-          (at(p - 1) == 'a' && at(p + k - 1) == 'a');
+          (at(p) == 'a' && (at(p + k - 1) == 'a' || at(p + k) == 'a')) || (at(p - 1) == 'a' && at(p + k - 1) == 'a');
       if (!admissible) continue;
       if (!valid_starting_pattern(p, p + k, next_N)) continue;
 
@@ -558,8 +544,7 @@ std::list<Record> Search::exact_search(Thresholds active) const {
 // if no step is to be taken, otherwise `chosen` with the best first step and
 // the score that can be reached through it. A mismatch wins ties over an
 // insertion, and an insertion over a deletion.
-Search::Verdict Search::look_forward(Record& s, Int seq_end, char& choice,
-                                     Int& value) const {
+Search::Verdict Search::look_forward(Record& s, Int seq_end, char& choice, Int& value) const {
   const Int unit_length = unit_length_of(s);
   Int best = -unit_length - 1;
   choice = '-';
@@ -648,8 +633,7 @@ void Search::extend_imperfect_forward(Record& s, Int seq_end) const {
   s = kept;
 }
 
-Search::Verdict Search::look_backward(Record& s, Int left_limit, char& choice,
-                                      Int& value) const {
+Search::Verdict Search::look_backward(Record& s, Int left_limit, char& choice, Int& value) const {
   const Int unit_length = unit_length_of(s);
   Int best = -unit_length - 1;
   choice = '-';
@@ -769,9 +753,7 @@ std::list<Record> Search::imperfect_search() const {
 
   // mask[i + 1] describes base i; there is a sentinel on either side.
   std::string mask(static_cast<std::size_t>(end_) + 2, 'a');
-  const auto at = [&mask](Int i) -> char& {
-    return mask[static_cast<std::size_t>(i + 1)];
-  };
+  const auto at = [&mask](Int i) -> char& { return mask[static_cast<std::size_t>(i + 1)]; };
 
   const auto try_seed = [&](Int p, Int k) {
     Record s = seed_record(p, k);
@@ -804,8 +786,7 @@ std::list<Record> Search::imperfect_search() const {
     for (Int p = 0; p + k < end_; ++p) {
       if (next_N < p) next_N = first_N_from(p);
       const bool anchored =
-          (at(p) == 'a' && (at(p + k - 1) == 'a' || at(p + k) == 'a')) ||
-          (at(p - 1) == 'a' && at(p + k - 1) == 'a');
+          (at(p) == 'a' && (at(p + k - 1) == 'a' || at(p + k) == 'a')) || (at(p - 1) == 'a' && at(p + k - 1) == 'a');
       if (!anchored) continue;
       if (!valid_starting_pattern(p, p + k, next_N)) continue;
       try_seed(p, k);
@@ -826,18 +807,15 @@ void Search::remove_hidden(std::list<Record>& records) const {
   while (first != records.end()) {
     auto second = std::next(first);
     bool first_removed = false;
-    while (second != records.end() &&
-           first->pos_right_end > second->pos_left) {
+    while (second != records.end() && first->pos_right_end > second->pos_left) {
       const Record& a = *first;
       const Record& b = *second;
-      const Int overlap =
-          std::min(a.pos_right_end, b.pos_right_end) - b.pos_left;
+      const Int overlap = std::min(a.pos_right_end, b.pos_right_end) - b.pos_left;
       if (!o_.remove_mostly_hidden) {
         ++second;
         continue;
       }
-      if (unit_length_of(a) + overlap <= length_of(a) &&
-          unit_length_of(b) + overlap <= length_of(b)) {
+      if (unit_length_of(a) + overlap <= length_of(a) && unit_length_of(b) + overlap <= length_of(b)) {
         ++second;
         continue;
       }
@@ -856,9 +834,8 @@ void Search::remove_hidden(std::list<Record>& records) const {
 // Reports
 // ---------------------------------------------------------------------------
 
-const char* const repeat_names[7] = {
-    "***  ERROR  ***",  "mononucleotide",   "dinucleotide",   "trinucleotide",
-    "tetranucleotide", "pentanucleotide", "hexanucleotide"};
+const char* const repeat_names[7] = {"***  ERROR  ***", "mononucleotide",  "dinucleotide",  "trinucleotide",
+                                     "tetranucleotide", "pentanucleotide", "hexanucleotide"};
 
 double Search::percentage_perfection(const Record& s) const {
   const Int length = normalised_length_of(s);
@@ -875,13 +852,11 @@ double Search::percentage_perfection(const Record& s) const {
     numerator = length - events;
     denominator = length;
   }
-  const long double quotient = static_cast<long double>(numerator) /
-                               static_cast<long double>(denominator);
+  const long double quotient = static_cast<long double>(numerator) / static_cast<long double>(denominator);
   return static_cast<double>(quotient * 100.0L);
 }
 
-std::string Search::repeat_line(const Record& s,
-                                const std::string& unit) const {
+std::string Search::repeat_line(const Record& s, const std::string& unit) const {
   const Int u = unit_length_of(s);
   const Int start = s.pos_left + 1;
   const Int end = s.pos_right_end;
@@ -966,9 +941,7 @@ std::string Search::alignment(const Record& s) const {
 
   Int u = next_in_unit(s, s.unit_left);
   std::size_t e = 0;
-  const auto position_of_event = [&]() {
-    return e < s.missense.size() ? s.missense[e].position : s.pos_right_end;
-  };
+  const auto position_of_event = [&]() { return e < s.missense.size() ? s.missense[e].position : s.pos_right_end; };
   Int q = position_of_event();
   Int p = s.pos_left;
   while (p != s.pos_right_end) {
@@ -1043,11 +1016,8 @@ void creator_message(std::string& out, const std::string& prefix) {
   out += prefix + "   Ostrel, version 3.2.6\n";
 }
 
-void print_search_parameters(std::string& out, const std::string& prefix,
-                             const Options& o) {
-  const auto line = [&](const std::string& label, const std::string& value) {
-    out += prefix + label + value + "\n";
-  };
+void print_search_parameters(std::string& out, const std::string& prefix, const Options& o) {
+  const auto line = [&](const std::string& label, const std::string& value) { out += prefix + label + value + "\n"; };
 
   line("Parameter settings used in this search:", "");
   line("Input file name:                    ", o.input_filename);
@@ -1056,58 +1026,44 @@ void print_search_parameters(std::string& out, const std::string& prefix,
   }
   line("   Sequence range to process:       ",
        number(o.sequence_from) + " - " +
-           (o.sequence_to == 4294967295U ? std::string("last sequence")
-                                         : number(o.sequence_to)));
-  line("   Satellites searched for:         ",
-       o.search_mode == 0   ? "exact repeats"
-       : o.search_mode == 1 ? "exact repeats which are extended to imperfect "
-                              "repeats"
-                            : "imperfect repeats");
-  line("   Recursion depth:                 ",
-       number(o.maximum_recursion_depth));
+           (o.sequence_to == 4294967295U ? std::string("last sequence") : number(o.sequence_to)));
+  line("   Satellites searched for:         ", o.search_mode == 0   ? "exact repeats"
+                                               : o.search_mode == 1 ? "exact repeats which are extended to imperfect "
+                                                                      "repeats"
+                                                                    : "imperfect repeats");
+  line("   Recursion depth:                 ", number(o.maximum_recursion_depth));
   line("   Minimum unit length:             ", number(o.min_unit_length));
   line("   Maximum unit length:             ", number(o.max_unit_length));
   line("   Minimum score:                   maximum (",
-       number(o.min_score) + ", " + number(o.min_score_a) + "+" +
-           number(o.min_score_bx) + "*unitlength )");
+       number(o.min_score) + ", " + number(o.min_score_a) + "+" + number(o.min_score_bx) + "*unitlength )");
   line("   Minimum length:                  maximum (",
-       number(o.min_length) + ", " + number(o.min_length_a) + "+" +
-           number(o.min_length_bx) + "*unitlength )");
-  line("   Treat N's as:                    ",
-       o.treat_Ns_as_missense ? "missense" : "neutral");
+       number(o.min_length) + ", " + number(o.min_length_a) + "+" + number(o.min_length_bx) + "*unitlength )");
+  line("   Treat N's as:                    ", o.treat_Ns_as_missense ? "missense" : "neutral");
   line("   Max. succesive N's allowed:      ", number(o.Ns_allowed_in_a_row));
   line("   Mismatch score:                  ", number(o.mismatch_score));
   line("   Indel score:                     ", number(o.indel_score));
-  line("   Minimum perfection:              ",
-       number(o.perfection_minimum) + " %");
+  line("   Minimum perfection:              ", number(o.perfection_minimum) + " %");
   line("   Number of flanking nucletides:   ", number(o.flanking));
-  line("   Remove mostly overlapping satellites: ",
-       o.remove_mostly_hidden ? "yes" : "no");
+  line("   Remove mostly overlapping satellites: ", o.remove_mostly_hidden ? "yes" : "no");
   line("   Write file with masked seq.:     ", o.mask_repeats ? "yes" : "no");
-  line("   Computing perfections treat N's: ",
-       o.N_and_perfection_mode == 0   ? "asMismatch"
-       : o.N_and_perfection_mode == 1 ? "asNeutral"
-                                      : "asMatch");
-  line("   Report units as:                 ",
-       o.report_unit_mode == 0   ? "as they are"
-       : o.report_unit_mode == 1 ? "alphabetical normal form"
-                                 : "alphabetical normal form using reverse "
-                                   "complement");
-  line("   Output format:                   ",
-       o.print_sat_mode == 0   ? "ostrel format"
-       : o.print_sat_mode == 1 ? "extended ostrel format"
-                               : "sputnik compatible format");
-  line("   Print sequence mode:             ",
-       o.print_sat_seq_mode == 0   ? "don't print sequence"
-       : o.print_sat_seq_mode == 1 ? "print sequence"
-                                   : "print alignment");
+  line("   Computing perfections treat N's: ", o.N_and_perfection_mode == 0   ? "asMismatch"
+                                               : o.N_and_perfection_mode == 1 ? "asNeutral"
+                                                                              : "asMatch");
+  line("   Report units as:                 ", o.report_unit_mode == 0   ? "as they are"
+                                               : o.report_unit_mode == 1 ? "alphabetical normal form"
+                                                                         : "alphabetical normal form using reverse "
+                                                                           "complement");
+  line("   Output format:                   ", o.print_sat_mode == 0   ? "ostrel format"
+                                               : o.print_sat_mode == 1 ? "extended ostrel format"
+                                                                       : "sputnik compatible format");
+  line("   Print sequence mode:             ", o.print_sat_seq_mode == 0   ? "don't print sequence"
+                                               : o.print_sat_seq_mode == 1 ? "print sequence"
+                                                                           : "print alignment");
 }
 
-void print_output_format(std::string& out, const std::string& prefix,
-                         const Options& o) {
+void print_output_format(std::string& out, const std::string& prefix, const Options& o) {
   out += prefix + "\n";
-  out += prefix +
-         "Columns in lines of output providing repeat information:\n";
+  out += prefix + "Columns in lines of output providing repeat information:\n";
   const auto column = [&](int n, const std::string& text) {
     out += prefix + "Column " + padded(2, n) + ": " + text + "\n";
   };
@@ -1115,8 +1071,7 @@ void print_output_format(std::string& out, const std::string& prefix,
   column(2, "Position at which repeat starts in current sequence");
   column(3, "Position at which repeat ends in current sequence");
   column(4, "Length of repeat in original sequence, i.e. (end-start+1)");
-  column(5,
-         "Normalized repeat length, i.e. (end-start+1-insertions+deletions)");
+  column(5, "Normalized repeat length, i.e. (end-start+1-insertions+deletions)");
   column(6, "Repeat score");
   column(7, "Repeat perfection");
   if (o.print_sat_mode == 1) {
@@ -1149,22 +1104,18 @@ int check_options(Options& o) {
   if (unknown_mode(o.report_unit_mode)) return -2;
 
   // Written so that a value that is not a number is refused as well.
-  if (o.perfection_minimum < 0.0F || o.perfection_minimum > 0.0F ||
-      std::isnan(o.perfection_minimum)) {
+  if (o.perfection_minimum < 0.0F || o.perfection_minimum > 0.0F || std::isnan(o.perfection_minimum)) {
     return -1;
   }
   if (o.min_unit_length != 1 && o.min_unit_length != 2) return -1;
 
   const long double plain_score = static_cast<long double>(o.min_score);
-  const long double linear_score = static_cast<long double>(o.min_score_a) +
-                                   static_cast<long double>(o.min_score_bx);
-  const long double score =
-      plain_score > linear_score ? plain_score : linear_score;
+  const long double linear_score = static_cast<long double>(o.min_score_a) + static_cast<long double>(o.min_score_bx);
+  const long double score = plain_score > linear_score ? plain_score : linear_score;
   const long double plain_length = static_cast<long double>(o.min_length);
-  const long double linear_length = static_cast<long double>(o.min_length_a) +
-                                    static_cast<long double>(o.min_length_bx);
-  const long double length =
-      plain_length > linear_length ? plain_length : linear_length;
+  const long double linear_length =
+      static_cast<long double>(o.min_length_a) + static_cast<long double>(o.min_length_bx);
+  const long double length = plain_length > linear_length ? plain_length : linear_length;
   if (score < 2.0L && length < 2.0L) return -1;
 
   if (o.mismatch_score >= -1) return -1;

@@ -20,13 +20,13 @@ struct Options {
   std::uint32_t sequence_from = 1;          // first record searched, from 1
   std::uint32_t sequence_to = 4294967295U;  // last record; all bits: no limit
 
-  int search_mode = 2;             // 0 exact, 1 extendExact, else imperfect
-  int N_and_perfection_mode = 0;   // 0 as mismatch, 1 neutral, 2 as match
-  int report_unit_mode = 2;        // 0 as is, 1 normal form, 2 also rev. compl.
-  int print_sat_seq_mode = 2;      // 0 nothing, 1 bases, 2 alignment
-  int print_sat_mode = 1;          // 0 plain, 1 extended, 2 sputnik like
-  int flanking = 0;                // bases of context on either side
-  float perfection_minimum = 0.0F; // only printed, must be 0
+  int search_mode = 2;              // 0 exact, 1 extendExact, else imperfect
+  int N_and_perfection_mode = 0;    // 0 as mismatch, 1 neutral, 2 as match
+  int report_unit_mode = 2;         // 0 as is, 1 normal form, 2 also rev. compl.
+  int print_sat_seq_mode = 2;       // 0 nothing, 1 bases, 2 alignment
+  int print_sat_mode = 1;           // 0 plain, 1 extended, 2 sputnik like
+  int flanking = 0;                 // bases of context on either side
+  float perfection_minimum = 0.0F;  // only printed, must be 0
 
   int maximum_recursion_depth = 5;
   std::uint32_t min_unit_length = 1;

@@ -41,28 +41,42 @@ std::string long_name_of(const std::string& argument) {
   }
   if (argument.size() == 2 && argument[0] == '-') {
     switch (argument[1]) {
-      case 'N': return "succN";
-      case 'f': return "flanking";
-      case 'P': return "minPerfection";
-      case 'D': return "dontRemoveMostlyOverlapping";
-      case 'r': return "recursion";
-      case 'u': return "minUnitLen";
-      case 'U': return "maxUnitLen";
-      case 'l': return "minLength";
-      case 's': return "minScore";
-      case 'm': return "mismatchScore";
-      case 'g': return "indelScore";
-      case 'M': return "searchMode";
-      case 'h': return "help";
-      case 'v': return "version";
-      default: break;
+      case 'N':
+        return "succN";
+      case 'f':
+        return "flanking";
+      case 'P':
+        return "minPerfection";
+      case 'D':
+        return "dontRemoveMostlyOverlapping";
+      case 'r':
+        return "recursion";
+      case 'u':
+        return "minUnitLen";
+      case 'U':
+        return "maxUnitLen";
+      case 'l':
+        return "minLength";
+      case 's':
+        return "minScore";
+      case 'm':
+        return "mismatchScore";
+      case 'g':
+        return "indelScore";
+      case 'M':
+        return "searchMode";
+      case 'h':
+        return "help";
+      case 'v':
+        return "version";
+      default:
+        break;
     }
   }
   fail(1, "unknown option " + argument);
 }
 
-void parse(const std::vector<std::string>& arguments, reference::Options& o,
-           std::vector<std::string>& names) {
+void parse(const std::vector<std::string>& arguments, reference::Options& o, std::vector<std::string>& names) {
   std::set<std::string> seen;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
@@ -95,9 +109,7 @@ void parse(const std::vector<std::string>& arguments, reference::Options& o,
     if (i + 1 == arguments.size()) fail(1, option + " needs a value");
     const std::string& text = arguments[++i];
     const auto as_int = [&] { return parse_value<int>(option, text); };
-    const auto as_unsigned = [&] {
-      return parse_value<unsigned int>(option, text);
-    };
+    const auto as_unsigned = [&] { return parse_value<unsigned int>(option, text); };
     const auto as_float = [&] { return parse_value<float>(option, text); };
 
     if (option == "succN") {
@@ -187,8 +199,7 @@ int main(int argc, char** argv) {
     if (out == nullptr) fail(154, "the output file could not be opened");
   }
 
-  const std::string bytes((std::istreambuf_iterator<char>(input)),
-                          std::istreambuf_iterator<char>());
+  const std::string bytes((std::istreambuf_iterator<char>(input)), std::istreambuf_iterator<char>());
   const reference::Result result = reference::run(options, bytes);
 
   std::fwrite(result.report.data(), 1, result.report.size(), out);
