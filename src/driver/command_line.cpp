@@ -9,6 +9,7 @@
 #include "driver/messages.h"
 #include "driver/number2cstring.h"
 #include "driver/ostrel_version.h"
+#include "sequence/byte_source.h"
 #include "sequence/global-types-and-parameters.h"
 
 namespace {
@@ -217,6 +218,15 @@ bool store_filenames(const std::vector<std::string>& names, const char* program)
   return true;
 }
 
+/// The masked copy is written beside the input file.
+bool masks_standard_input(Options& options) {
+  const std::vector<std::string>& names = options.iofiles.getValue();
+  const bool from_standard_input = !names.empty() && names.size() <= 2 && names[0] == standard_input_name;
+  if (!from_standard_input || !options.maskX.getValue()) return false;
+  general_PrintMessage(stderr, "Sorry, standard input cannot be masked: --maskX needs the name of an input file.\n");
+  return true;
+}
+
 bool store_mode(int value, int& mode) {
   if (value < 0 || value > 2) return false;
   mode = value;
@@ -278,6 +288,7 @@ const char* implausible_setting() {
 }
 
 int store_and_check(Options& options, const char* program) {
+  if (masks_standard_input(options)) return EXIT_REFUSED_SETTING;
   if (!store_filenames(options.iofiles.getValue(), program)) return EXIT_REFUSED_SETTING;
   store_values(options);
   if (!store_modes(options)) return EXIT_UNKNOWN_MODE;

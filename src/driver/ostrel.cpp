@@ -38,12 +38,22 @@ std::string masked_filename() {
   return global_input_filename + ".masked";
 }
 
+bool reads_standard_input() {
+  return global_input_filename == standard_input_name;
+}
+
 bool open_input(Run& run) {
   run.input = std::make_unique<CFile>(global_input_filename);
   if (!run.input->open_failed) return true;
   general_PrintMessage(stderr, "Sorry! The input file \n   \"", global_input_filename,
-                       "\"\ncould not be opened. I guess it does not exist.\n");
+                       reads_standard_input() ? "\"\nis standard input, which is no file or pipe that can be read.\n"
+                                              : "\"\ncould not be opened. I guess it does not exist.\n");
   return false;
+}
+
+/// The path under which the input can be compared with other files.
+std::string input_path() {
+  return reads_standard_input() ? "/dev/stdin" : global_input_filename;
 }
 
 /// Whether the run would write into its input, or two of its files are one; says so.
@@ -52,7 +62,7 @@ bool files_collide() {
     return global_output_filename.empty() ? is_standard_output(path) : same_file(path, global_output_filename);
   };
   std::string clash;
-  if (is_output(global_input_filename)) clash = "The output would overwrite the input file";
+  if (is_output(input_path())) clash = "The output would overwrite the input file";
   if (global_mask_repeats) {
     if (same_file(global_input_filename, masked_filename())) clash = "The masked file would overwrite the input file";
     if (is_output(masked_filename()))
@@ -145,6 +155,8 @@ const char* expectation(int fasta_error) {
       return "a line feed was expected after the carriage return";
     case FASTA_READ_FAILED:
       return "the file could not be read any further";
+    case FASTA_DAMAGED_COMPRESSION:
+      return "the compressed data are damaged or end too early";
     default:
       return "a byte could not be pushed back";
   }
@@ -156,6 +168,13 @@ void report_malformed_input(const Run& run, int fasta_error) {
   place += ", line " + std::to_string(run.input->line_number()) + ": ";
   general_PrintMessage(stderr, "Sorry! The input file \n   \"", global_input_filename, "\"\nis malformed at " + place,
                        std::string(expectation(fasta_error)) + ".\n");
+}
+
+/// What is missing may be just the marker: the end of the run is that of a complete one.
+void warn_of_missing_end(const Run& run) {
+  if (!run.input->lacks_end_marker()) return;
+  general_PrintMessage(stderr, "Note: The compressed input file \n   \"", global_input_filename,
+                       "\"\nhas no end marker. It may have been cut off; what is there has been searched.\n");
 }
 
 /// Everything up to the first record. Returns EXIT_COMPLETE or the reason why the run ends here.
@@ -187,6 +206,7 @@ int process_all_records(Run& run) {
     report_malformed_input(run, fasta_error);
     return EXIT_MALFORMED_INPUT;
   }
+  warn_of_missing_end(run);
   // The final progress line names the record last read, even if it was skipped.
   report_status(run.counter, run.sequence.name.c_str(), global_max_unit_length, 'f');
   return run.masked_failed ? EXIT_MASKED_NOT_OPENED : EXIT_COMPLETE;

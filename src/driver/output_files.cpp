@@ -99,6 +99,7 @@ bool is_standard_output(const std::string& path) {
 void occupy_standard_descriptors() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) != -1) continue;
-    if (::open("/dev/null", O_RDONLY) == -1) return;  // takes the lowest free number, which is this one
+    const int unusable = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    if (::open("/dev/null", unusable) == -1) return;  // takes the lowest free number, which is this one
   }
 }

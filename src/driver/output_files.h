@@ -46,5 +46,6 @@ bool same_file(const std::string& a, const std::string& b);
 /// Whether standard output has been redirected into the regular file `path`.
 bool is_standard_output(const std::string& path);
 
-/// Gives a closed standard stream a descriptor that cannot be written, so that no file opened later takes its place.
+/// Gives a closed standard stream a descriptor that cannot be read (input) or written (output), so that no file opened
+/// later takes its place.
 void occupy_standard_descriptors();
