@@ -8,12 +8,14 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "driver/command_line.h"
 #include "driver/messages.h"
 #include "driver/number2cstring.h"
 #include "driver/output_files.h"
 #include "driver/parameter_summary.h"
+#include "driver/repeat_tables.h"
 #include "search/CSearchController.h"
 #include "search/run_status.h"
 #include "sequence/CFile.h"
@@ -29,6 +31,7 @@ struct Run {
   CSequence_Mol sequence;  ///< one record reused for all
   std::unique_ptr<CFile> input;
   OutputFile out;
+  RepeatTables tables;         ///< what is written beside the report
   OutputFile masked;           ///< not open unless masking was asked for
   bool masked_failed = false;  ///< asked for, but it could not be opened
   unsigned counter = 0;        ///< 1-based number of the record last read
@@ -73,8 +76,15 @@ bool files_collide() {
   return true;
 }
 
-bool open_output(Run& run) {
-  if (files_collide()) return false;
+/// Whether a table would be written into another file of the run; says so.
+bool tables_collide() {
+  const std::string report = global_output_filename.empty() ? path_of_output("-") : global_output_filename;
+  std::vector<RunFile> files = {{"the input file", input_path()}, {"the report", report}};
+  if (global_mask_repeats) files.push_back({"the masked copy", masked_filename()});
+  return RepeatTables::collide(files);
+}
+
+bool open_report(Run& run) {
   if (global_output_filename.empty()) {
     run.out.use_standard_output();
     return true;
@@ -82,6 +92,10 @@ bool open_output(Run& run) {
   if (run.out.open(global_output_filename)) return true;
   general_PrintMessage(stderr, "Sorry! Failed to open file\n   \"", global_output_filename, "\"\nas output file.\n");
   return false;
+}
+
+bool open_output(Run& run) {
+  return !files_collide() && !tables_collide() && open_report(run) && run.tables.open();
 }
 
 void write_headers(std::FILE* out) {
@@ -129,7 +143,9 @@ void search_and_report(Run& run) {
       controller.complete_imperfect_search();
   }
   CSearchController::remove_hidden(*result);
-  controller.report_SATList(run.out.stream(), result->sats);
+  run.tables.begin_sequence(run.sequence, run.counter);
+  controller.report_SATList(run.out.stream(), result->sats,
+                            [&run](const Csat& sat) { run.tables.add(sat, run.sequence); });
   if (!run.masked.is_open()) return;
   mask_repeats(result->sats, run.sequence);  // after the report, which shows the bases
   run.sequence.writeSequence(run.masked.stream(), 80);
@@ -230,12 +246,13 @@ int close_down(Run& run, int code) {
     run.masked.report_failure();
     code = EXIT_WRITE_FAILED;
   }
+  if (!run.tables.close()) code = EXIT_WRITE_FAILED;
   if (code == EXIT_COMPLETE || code == EXIT_MASKED_NOT_OPENED) write_closing_line(run.out.stream());
   if (!run.out.close()) {
     run.out.report_failure();
     code = EXIT_WRITE_FAILED;
-    if (run.out.reader_has_gone()) return code;
   }
+  if (run.out.reader_has_gone() || run.tables.reader_has_gone()) return code;
   if (code == EXIT_COMPLETE) {
     good_bye();
   } else {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -43,6 +44,20 @@ bool OutputFile::open(const std::string& path) {
   stream_ = std::fopen(path.c_str(), "w");
   if (stream_ != nullptr) std::setvbuf(stream_, nullptr, _IOFBF, buffer_size);
   return is_open();
+}
+
+bool OutputFile::open_temporary() {
+  std::error_code ignored;
+  name_ = (std::filesystem::temp_directory_path(ignored) / "ostrel-XXXXXX").string();
+  const int descriptor = mkstemp(name_.data());
+  if (descriptor == -1) return false;
+  unlink(name_.c_str());
+  stream_ = fdopen(descriptor, "w+");
+  return is_open();
+}
+
+void OutputFile::write(const char* bytes, std::size_t n) {
+  if (std::fwrite(bytes, 1, n, stream_) != n) note_failure();
 }
 
 void OutputFile::note_failure() {
