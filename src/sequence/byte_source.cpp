@@ -65,7 +65,7 @@ void ByteSource::look_for_compression() {
   hts_set_log_level(HTS_LOG_OFF);  // the driver says what is wrong
   bgzf_.reset(bgzf_hopen(file_.get(), "r"));
   if (bgzf_ == nullptr) throw std::bad_alloc();
-  file_.release();
+  static_cast<void>(file_.release());  // closed with it
   damaged_ = !bgzf_->is_compressed;  // too short for a header
 }
 
