@@ -30,6 +30,7 @@ void report_collision(const RunFile& table, const RunFile& other) {
 
 bool RowFile::open(const std::string& name, bool head_grows) {
   compressed_ = ends_in_gz(name);
+  if (compressed_) block_.reserve(BGZF_BLOCK_SIZE);  // now, so that closing it needs no memory
   if (name == "-") file_.use_standard_output();
   if (!file_.is_open() && !file_.open(name)) {
     general_PrintMessage(stderr, "Sorry! Failed to open file\n   \"", name, "\"\nas output file.\n");
@@ -67,7 +68,7 @@ bool RowFile::close() {
 void RowFile::append_waiting_rows() {
   if (!waiting_.is_open() || !waiting_.flush()) return;
   std::rewind(waiting_.stream());
-  std::vector<char> piece(std::size_t{1} << 16);
+  std::array<char, BGZF_MAX_BLOCK_SIZE> piece{};
   while (const std::size_t n = std::fread(piece.data(), 1, piece.size(), waiting_.stream())) emit(piece.data(), n);
   waiting_.has_failed();  // a read that failed counts as well
 }

@@ -66,7 +66,7 @@ void ByteSource::look_for_compression() {
   bgzf_.reset(bgzf_hopen(file_.get(), "r"));
   if (bgzf_ == nullptr) throw std::bad_alloc();
   static_cast<void>(file_.release());  // closed with it
-  damaged_ = !bgzf_->is_compressed;  // too short for a header
+  damaged_ = !bgzf_->is_compressed;    // too short for a header
 }
 
 std::size_t ByteSource::read_plain(char* to, std::size_t n) {

@@ -46,7 +46,7 @@ TEST_F(RowFileTest, AGrowingHeadStandsBeforeAllRows) {
 }
 
 TEST_F(RowFileTest, AFullBlockLosesNothing) {
-  for (const std::size_t size : {0, 1, 65279, 65280, 65281, 130560, 130561}) {
+  for (const std::size_t size : std::vector<std::size_t>{0, 1, 65279, 65280, 65281, 130560, 130561}) {
     RowFile file;
     ASSERT_TRUE(file.open(dir.path("x.gz"), false));
     file.write_row(std::string(size, 'r'));

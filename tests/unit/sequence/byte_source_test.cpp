@@ -44,7 +44,7 @@ std::string text_of(std::size_t size) {
 }
 
 void expect_whole(const std::string& content, const std::string& text) {
-  for (const std::size_t step : {1, 7, 65280, 65281, 2000000}) {
+  for (const std::size_t step : std::vector<std::size_t>{1, 7, 65280, 65281, 2000000}) {
     const Outcome outcome = read_all(content, step);
     EXPECT_EQ(outcome.bytes, text) << step;
     EXPECT_EQ(outcome.error, -1) << step;
