@@ -9,6 +9,7 @@
 #include "driver/messages.h"
 #include "driver/number2cstring.h"
 #include "driver/ostrel_version.h"
+#include "sequence/byte_source.h"
 #include "sequence/global-types-and-parameters.h"
 
 namespace {
@@ -16,6 +17,7 @@ namespace {
 using IntOption = TCLAP::ValueArg<int>;
 using UnsignedOption = TCLAP::ValueArg<unsigned int>;
 using FloatOption = TCLAP::ValueArg<float>;
+using FileOption = TCLAP::ValueArg<std::string>;
 
 std::string length_rule(const char* closing) {
   return std::string(
@@ -29,6 +31,11 @@ std::string score_rule(const char* closing) {
              "The minimum score of a repeat is determined with: maximum( minScore, minScore_a + "
              "minScore_b*(unit-length) ). Default value of ") +
          closing;
+}
+
+std::string table_file(const std::string& form) {
+  return "Also writes the repeats of the report to this file, " + form +
+         ". A file whose name ends in .gz is compressed in blocks (BGZF); - is standard output.";
 }
 
 /// The file names. The library would take any word that is left for a name, a misspelt option too; and then the name
@@ -65,6 +72,10 @@ struct Options {
   IntOption printRepeatSeqMode;
   IntOption outputFormat;
   TCLAP::SwitchArg maskX;
+  FileOption bed;
+  FileOption gff3;
+  FileOption tsv;
+  FileOption jsonl;
   IntOption flanking;
   FloatOption minPerfection;
   TCLAP::SwitchArg dontRemoveMostlyOverlapping;
@@ -132,6 +143,10 @@ Options::Options(TCLAP::CmdLine& cmd)
                    false, global_print_sat_mode, "int", cmd),
       maskX("", "maskX", "Writes the sequences to a file with the extension \".masked\" in which repeats are masked.",
             cmd, global_mask_repeats),
+      bed("", "bed", table_file("in BED form"), false, "", "file", cmd),
+      gff3("", "gff3", table_file("in GFF3 form"), false, "", "file", cmd),
+      tsv("", "tsv", table_file("as a table of tab-separated values"), false, "", "file", cmd),
+      jsonl("", "jsonl", table_file("in JSON Lines form"), false, "", "file", cmd),
       flanking("f", "flanking",
                "If the satellite sequence is printed, this is the number of flanking nucleotides to be printed to the "
                "left and right of it. Default: 0",
@@ -201,6 +216,10 @@ void store_values(Options& options) {
   global_flanking = options.flanking.getValue();
   global_perfection_minimum = options.minPerfection.getValue();
   global_mask_repeats = options.maskX.getValue();
+  global_bed_filename = options.bed.getValue();
+  global_gff3_filename = options.gff3.getValue();
+  global_tsv_filename = options.tsv.getValue();
+  global_jsonl_filename = options.jsonl.getValue();
   const std::string& mode = options.searchMode.getValue();
   global_search_mode = mode == "exact" ? 0 : mode == "extendExact" ? 1 : 2;
 }
@@ -214,6 +233,28 @@ bool store_filenames(const std::vector<std::string>& names, const char* program)
   }
   global_input_filename = names.size() <= 2 ? names[0] : "";
   global_output_filename = names.size() == 2 ? names[1] : "";
+  return true;
+}
+
+/// Whether the name of a table is none, or an option that took its place; says so.
+bool lacks_table_name(Options& options) {
+  for (FileOption* option : {&options.bed, &options.gff3, &options.tsv, &options.jsonl}) {
+    const std::string& name = option->getValue();
+    const bool is_name = !name.empty() && (name[0] != '-' || name == "-");
+    if (is_name || !option->isSet()) continue;
+    general_PrintMessage(stderr, "Sorry, --" + option->getName(), " needs the name of a file; \"" + name,
+                         "\" is none.\n");
+    return true;
+  }
+  return false;
+}
+
+/// The masked copy is written beside the input file.
+bool masks_standard_input(Options& options) {
+  const std::vector<std::string>& names = options.iofiles.getValue();
+  const bool from_standard_input = !names.empty() && names.size() <= 2 && names[0] == standard_input_name;
+  if (!from_standard_input || !options.maskX.getValue()) return false;
+  general_PrintMessage(stderr, "Sorry, standard input cannot be masked: --maskX needs the name of an input file.\n");
   return true;
 }
 
@@ -278,6 +319,7 @@ const char* implausible_setting() {
 }
 
 int store_and_check(Options& options, const char* program) {
+  if (lacks_table_name(options) || masks_standard_input(options)) return EXIT_REFUSED_SETTING;
   if (!store_filenames(options.iofiles.getValue(), program)) return EXIT_REFUSED_SETTING;
   store_values(options);
   if (!store_modes(options)) return EXIT_UNKNOWN_MODE;

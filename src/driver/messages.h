@@ -9,8 +9,8 @@ enum ExitCode : int {
   EXIT_COMPLETE = 0,              ///< the run is complete
   EXIT_REFUSED_SETTING = -1,      ///< a setting was refused, or no input file was named
   EXIT_UNKNOWN_MODE = -2,         ///< a mode number is not 0, 1 or 2
-  EXIT_INPUT_NOT_OPENED = -101,   ///< the input file could not be opened
-  EXIT_OUTPUT_NOT_OPENED = -102,  ///< the output file could not be opened, or is the input file
+  EXIT_INPUT_NOT_OPENED = -101,   ///< the input file could not be opened, or standard input cannot be read
+  EXIT_OUTPUT_NOT_OPENED = -102,  ///< an output file could not be opened, or is the input or another output file
   EXIT_MALFORMED_INPUT = -103,    ///< the input is not well-formed FASTA or could not be read to its end
   EXIT_WRITE_FAILED = -104,       ///< a file could not be written completely
   EXIT_MASKED_NOT_OPENED = -105,  ///< the report is complete, but the masked file could not be opened

@@ -8,12 +8,14 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "driver/command_line.h"
 #include "driver/messages.h"
 #include "driver/number2cstring.h"
 #include "driver/output_files.h"
 #include "driver/parameter_summary.h"
+#include "driver/repeat_tables.h"
 #include "search/CSearchController.h"
 #include "search/run_status.h"
 #include "sequence/CFile.h"
@@ -29,6 +31,7 @@ struct Run {
   CSequence_Mol sequence;  ///< one record reused for all
   std::unique_ptr<CFile> input;
   OutputFile out;
+  RepeatTables tables;         ///< what is written beside the report
   OutputFile masked;           ///< not open unless masking was asked for
   bool masked_failed = false;  ///< asked for, but it could not be opened
   unsigned counter = 0;        ///< 1-based number of the record last read
@@ -38,12 +41,22 @@ std::string masked_filename() {
   return global_input_filename + ".masked";
 }
 
+bool reads_standard_input() {
+  return global_input_filename == standard_input_name;
+}
+
 bool open_input(Run& run) {
   run.input = std::make_unique<CFile>(global_input_filename);
   if (!run.input->open_failed) return true;
   general_PrintMessage(stderr, "Sorry! The input file \n   \"", global_input_filename,
-                       "\"\ncould not be opened. I guess it does not exist.\n");
+                       reads_standard_input() ? "\"\nis standard input, which is no file or pipe that can be read.\n"
+                                              : "\"\ncould not be opened. I guess it does not exist.\n");
   return false;
+}
+
+/// The path under which the input can be compared with other files.
+std::string input_path() {
+  return reads_standard_input() ? "/dev/stdin" : global_input_filename;
 }
 
 /// Whether the run would write into its input, or two of its files are one; says so.
@@ -52,7 +65,7 @@ bool files_collide() {
     return global_output_filename.empty() ? is_standard_output(path) : same_file(path, global_output_filename);
   };
   std::string clash;
-  if (is_output(global_input_filename)) clash = "The output would overwrite the input file";
+  if (is_output(input_path())) clash = "The output would overwrite the input file";
   if (global_mask_repeats) {
     if (same_file(global_input_filename, masked_filename())) clash = "The masked file would overwrite the input file";
     if (is_output(masked_filename()))
@@ -63,8 +76,15 @@ bool files_collide() {
   return true;
 }
 
-bool open_output(Run& run) {
-  if (files_collide()) return false;
+/// Whether a table would be written into another file of the run; says so.
+bool tables_collide() {
+  const std::string report = global_output_filename.empty() ? path_of_output("-") : global_output_filename;
+  std::vector<RunFile> files = {{"the input file", input_path()}, {"the report", report}};
+  if (global_mask_repeats) files.push_back({"the masked copy", masked_filename()});
+  return RepeatTables::collide(files);
+}
+
+bool open_report(Run& run) {
   if (global_output_filename.empty()) {
     run.out.use_standard_output();
     return true;
@@ -72,6 +92,10 @@ bool open_output(Run& run) {
   if (run.out.open(global_output_filename)) return true;
   general_PrintMessage(stderr, "Sorry! Failed to open file\n   \"", global_output_filename, "\"\nas output file.\n");
   return false;
+}
+
+bool open_output(Run& run) {
+  return !files_collide() && !tables_collide() && open_report(run) && run.tables.open();
 }
 
 void write_headers(std::FILE* out) {
@@ -119,7 +143,9 @@ void search_and_report(Run& run) {
       controller.complete_imperfect_search();
   }
   CSearchController::remove_hidden(*result);
-  controller.report_SATList(run.out.stream(), result->sats);
+  run.tables.begin_sequence(run.sequence, run.counter);
+  controller.report_SATList(run.out.stream(), result->sats,
+                            [&run](const Csat& sat) { run.tables.add(sat, run.sequence); });
   if (!run.masked.is_open()) return;
   mask_repeats(result->sats, run.sequence);  // after the report, which shows the bases
   run.sequence.writeSequence(run.masked.stream(), 80);
@@ -145,6 +171,8 @@ const char* expectation(int fasta_error) {
       return "a line feed was expected after the carriage return";
     case FASTA_READ_FAILED:
       return "the file could not be read any further";
+    case FASTA_DAMAGED_COMPRESSION:
+      return "the compressed data are damaged or end too early";
     default:
       return "a byte could not be pushed back";
   }
@@ -156,6 +184,13 @@ void report_malformed_input(const Run& run, int fasta_error) {
   place += ", line " + std::to_string(run.input->line_number()) + ": ";
   general_PrintMessage(stderr, "Sorry! The input file \n   \"", global_input_filename, "\"\nis malformed at " + place,
                        std::string(expectation(fasta_error)) + ".\n");
+}
+
+/// What is missing may be just the marker: the end of the run is that of a complete one.
+void warn_of_missing_end(const Run& run) {
+  if (!run.input->lacks_end_marker()) return;
+  general_PrintMessage(stderr, "Note: The compressed input file \n   \"", global_input_filename,
+                       "\"\nhas no end marker. It may have been cut off; what is there has been searched.\n");
 }
 
 /// Everything up to the first record. Returns EXIT_COMPLETE or the reason why the run ends here.
@@ -187,6 +222,7 @@ int process_all_records(Run& run) {
     report_malformed_input(run, fasta_error);
     return EXIT_MALFORMED_INPUT;
   }
+  warn_of_missing_end(run);
   // The final progress line names the record last read, even if it was skipped.
   report_status(run.counter, run.sequence.name.c_str(), global_max_unit_length, 'f');
   return run.masked_failed ? EXIT_MASKED_NOT_OPENED : EXIT_COMPLETE;
@@ -210,12 +246,13 @@ int close_down(Run& run, int code) {
     run.masked.report_failure();
     code = EXIT_WRITE_FAILED;
   }
+  if (!run.tables.close()) code = EXIT_WRITE_FAILED;
   if (code == EXIT_COMPLETE || code == EXIT_MASKED_NOT_OPENED) write_closing_line(run.out.stream());
   if (!run.out.close()) {
     run.out.report_failure();
     code = EXIT_WRITE_FAILED;
-    if (run.out.reader_has_gone()) return code;
   }
+  if (run.out.reader_has_gone() || run.tables.reader_has_gone()) return code;
   if (code == EXIT_COMPLETE) {
     good_bye();
   } else {

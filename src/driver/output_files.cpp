@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -43,6 +44,20 @@ bool OutputFile::open(const std::string& path) {
   stream_ = std::fopen(path.c_str(), "w");
   if (stream_ != nullptr) std::setvbuf(stream_, nullptr, _IOFBF, buffer_size);
   return is_open();
+}
+
+bool OutputFile::open_temporary() {
+  std::error_code ignored;
+  name_ = (std::filesystem::temp_directory_path(ignored) / "ostrel-XXXXXX").string();
+  const int descriptor = mkstemp(name_.data());
+  if (descriptor == -1) return false;
+  unlink(name_.c_str());
+  stream_ = fdopen(descriptor, "w+");
+  return is_open();
+}
+
+void OutputFile::write(const char* bytes, std::size_t n) {
+  if (std::fwrite(bytes, 1, n, stream_) != n) note_failure();
 }
 
 void OutputFile::note_failure() {
@@ -99,6 +114,7 @@ bool is_standard_output(const std::string& path) {
 void occupy_standard_descriptors() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) != -1) continue;
-    if (::open("/dev/null", O_RDONLY) == -1) return;  // takes the lowest free number, which is this one
+    const int unusable = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    if (::open("/dev/null", unusable) == -1) return;  // takes the lowest free number, which is this one
   }
 }

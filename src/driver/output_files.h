@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <string>
 
@@ -15,10 +16,17 @@ class OutputFile {
   void use_standard_output();
   /// Creates or truncates the file. False if it cannot be opened.
   bool open(const std::string& path);
+  /// Creates a file that can be read as well, in the directory for temporary files; it disappears with the object.
+  bool open_temporary();
 
   bool is_open() const { return stream_ != nullptr; }
   std::FILE* stream() const { return stream_; }
 
+  /// Writes n bytes; a failure is noted.
+  void write(const char* bytes, std::size_t n);
+
+  /// A write has been lost, for the reason that stands in `errno`.
+  void note_failure();
   /// True once a write has been lost; the reason is kept for `report_failure`.
   bool has_failed();
   /// Each returns false if anything written so far was lost.
@@ -31,8 +39,6 @@ class OutputFile {
   void report_failure() const;
 
  private:
-  void note_failure();
-
   std::FILE* stream_ = nullptr;
   std::string name_;
   bool is_standard_output_ = false;
@@ -46,5 +52,6 @@ bool same_file(const std::string& a, const std::string& b);
 /// Whether standard output has been redirected into the regular file `path`.
 bool is_standard_output(const std::string& path);
 
-/// Gives a closed standard stream a descriptor that cannot be written, so that no file opened later takes its place.
+/// Gives a closed standard stream a descriptor that cannot be read (input) or written (output), so that no file opened
+/// later takes its place.
 void occupy_standard_descriptors();

@@ -5,31 +5,10 @@
 #include <string>
 
 #include "satellite/Csat.h"
-#include "sequence/CDnaString.h"
+#include "satellite/report_form.h"
 #include "sequence/global-types-and-parameters.h"
 
 namespace {
-
-/// The unit as the report shows it, and whether it is itself periodic, which keeps the repeat out of the report.
-struct ReportedUnit {
-  CDnaString unit;
-  bool periodic;
-};
-
-ReportedUnit reported_unit(const Csat& sat) {
-  const CDnaString unit(sat.unit_begin, sat.unit_end);
-  if (global_report_unit_mode == 0) return {unit, isReducibleUnit_global(sat.unit_begin, sat.unit_end)};
-
-  CDnaString forward;
-  const bool periodic = forward.setToMinAlphaRepModCyclicPermOf(unit);
-  if (global_report_unit_mode == 1) return {forward, periodic};
-
-  CDnaString complement;
-  complement.setToReverseComplementOf(unit);
-  CDnaString reverse;
-  const bool reverse_periodic = reverse.setToMinAlphaRepModCyclicPermOf(complement);
-  return {reverse.str() > forward.str() ? forward : reverse, reverse_periodic};
-}
 
 /// The bases shown on either side of a repeat, each a half-open range that ends at the sequence's ends at the latest.
 struct Flanks {
@@ -78,26 +57,6 @@ class Alignment {
   std::string match;
   std::string unit;
 };
-
-/// Appends the columns of the repeat itself.
-void align(const Csat& sat, Alignment& lines) {
-  const Csat::Event* event = sat.missense.begin();
-  const char* unit = sat.next_unit_base(sat.unit_left);
-  const char* base = sat.pos_left;
-  while (base != sat.pos_right_end) {
-    if (event == sat.missense.end() || event->first != base) {
-      lines.column(*base, *base == 'N' ? '*' : '|', *unit);
-      ++base;
-      unit = sat.next_unit_base(unit);
-      continue;
-    }
-    const char kind = event->second;
-    lines.column(kind == 'D' ? '-' : *base, ' ', kind == 'I' ? '-' : *unit);
-    if (kind != 'D') ++base;
-    if (kind != 'I') unit = sat.next_unit_base(unit);
-    ++event;
-  }
-}
 
 }  // namespace
 
@@ -158,7 +117,7 @@ void Csat::report_alignment(std::FILE* out, const CSequence_Mol& seq) const {
     lines.context(flanks.left_begin, pos_left);
     lines.column(':', ' ', ' ');
   }
-  align(*this, lines);
+  for_each_column(*this, [&lines](char base, char mark, char unit) { lines.column(base, mark, unit); });
   if (with_flanks) {
     lines.column(':', ' ', ' ');
     lines.context(pos_right_end, flanks.right_end);

@@ -40,11 +40,13 @@ bool CSearchController::valid_starting_pattern(const char* begin, const char* en
   return std::adjacent_find(begin, end, [](char a, char b) { return a != b; }) != end;
 }
 
-void CSearchController::report_SATList(std::FILE* out, const std::list<Csat*>& sats) const {
+void CSearchController::report_SATList(std::FILE* out, const std::list<Csat*>& sats,
+                                       const std::function<void(const Csat&)>& also) const {
   std::fprintf(out, ">%s\nsequence length: %zu\n", seq.name.c_str(), seq.sequence.length);
   for (Csat* sat : sats) {
     find_dropped_events(*sat);
     sat->report_sat(out, seq);
+    if (also) also(*sat);
     drop_many_events(*sat);
   }
 }

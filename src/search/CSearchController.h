@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <list>
 #include <vector>
 
@@ -52,7 +53,9 @@ class CSearchController {
   static void remove_hidden(CsatContainer& container);
 
   /// Writes the record's header lines and its repeats. Events of long repeats that were dropped are found again for it.
-  void report_SATList(std::FILE* out, const std::list<Csat*>& sats) const;
+  /// `also` is called with each repeat while it has its events, the periodic ones that the report leaves out as well.
+  void report_SATList(std::FILE* out, const std::list<Csat*>& sats,
+                      const std::function<void(const Csat&)>& also = nullptr) const;
 
   /// Grows the right end up to `stop`, exclusive. False when an over-long run of N lies directly ahead.
   bool extend_exact_forward(Csat& sat, const char* stop) const;

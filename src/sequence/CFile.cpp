@@ -1,34 +1,13 @@
 #include "sequence/CFile.h"
 
-#include <sys/stat.h>
-
-namespace {
-
-bool is_directory(const std::string& filename) {
-  struct stat status {};
-  return stat(filename.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+CFile::CFile(const std::string& filename)
+    : source(filename), block(new char[block_size]), current(block.get()), block_end(block.get()) {
+  open_failed = !source.is_open();
 }
-
-}  // namespace
-
-CFile::CFile(const std::string& filename) : block(new char[block_size]), current(block.get()), block_end(block.get()) {
-  // A stream opens a directory without complaint and fails at the first read only.
-  if (is_directory(filename)) {
-    open_failed = true;
-    return;
-  }
-  rdbuf()->pubsetbuf(nullptr, 0);  // the block is the buffer: no second copy
-  open(filename, std::ios::in | std::ios::binary);
-  open_failed = fail();
-}
-
-CFile::~CFile() = default;
 
 bool CFile::refill_if_empty() {
   if (current != block_end) return true;
-  read(block.get(), block_size);
-  const std::streamsize got = gcount();
-  if (bad()) throw static_cast<int>(FASTA_READ_FAILED);
+  const std::size_t got = source.read(block.get(), block_size);
   current = block.get();
   block_end = current + got;
   if (got == 0) at_eof = true;

@@ -2,36 +2,28 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
 #include <memory>
 #include <string>
 
-/// The errors of a FASTA input, thrown as plain integers and caught by the driver.
-enum FastaError : int {
-  FASTA_HEADER_EXPECTED = 0,   ///< the next byte is not ">", or the file ends directly after it
-  FASTA_CANNOT_PUSH_BACK = 1,  ///< a byte cannot be pushed back: it is not in the block any more
-  FASTA_LONE_CR = 2,           ///< a CR that is not followed by LF, and not the file's last byte
-  FASTA_READ_FAILED = 3,       ///< the operating system could not read the file any further
-};
+#include "sequence/byte_source.h"
+#include "sequence/fasta_error.h"
 
-/// A FASTA input file, read through one large block and handed out byte by byte with CR LF folded to LF.
+/// A FASTA input, decompressed if need be, read through one large block and handed out byte by byte with CR LF folded
+/// to LF.
 ///
 /// Invariant: block <= current <= block_end <= block + block_size, and no byte beyond `block_end` is ever read.
 /// The driver owns the one object for the whole run; it must be read in order.
-class CFile : private std::ifstream {
+class CFile {
  public:
   static constexpr std::size_t block_size = 2000000;
 
-  /// Opens `filename`; `open_failed` tells whether that worked (a directory counts as failed).
+  /// Opens `filename`, or standard input for "-"; `open_failed` tells whether that worked (a directory counts as
+  /// failed).
   explicit CFile(const std::string& filename);
-  ~CFile() override;
-
-  CFile(const CFile&) = delete;
-  CFile& operator=(const CFile&) = delete;
 
   /// The next byte; LF for CR LF and for a CR that ends the file. At the end of the file it sets `at_eof` and
   /// returns LF, which the caller must not take for a byte of the file.
-  /// Throws FASTA_LONE_CR or FASTA_READ_FAILED.
+  /// Throws FASTA_LONE_CR, FASTA_READ_FAILED or FASTA_DAMAGED_COMPRESSION.
   char getChar();
 
   /// Steps back by one byte. Throws FASTA_CANNOT_PUSH_BACK at the start of the block.
@@ -58,6 +50,9 @@ class CFile : private std::ifstream {
   /// The 1-based number of the line that is being read.
   std::uint64_t line_number() const { return finished_lines + 1; }
 
+  /// Whether the whole file was read and misses the end marker of its compressed form (BGZF).
+  bool lacks_end_marker() const { return source.lacks_end_marker(); }
+
   bool open_failed = false;
 
  private:
@@ -66,6 +61,7 @@ class CFile : private std::ifstream {
 
   std::uint64_t finished_lines = 0;
   bool at_eof = false;
+  ByteSource source;
   std::unique_ptr<char[]> block;
   char* current;
   char* block_end;

@@ -26,6 +26,10 @@ int global_mismatch_score;
 int global_indel_score;
 bool global_remove_mostly_hidden;
 bool global_mask_repeats;
+std::string global_bed_filename;
+std::string global_gff3_filename;
+std::string global_tsv_filename;
+std::string global_jsonl_filename;
 
 void init_param() {
   global_sequence_from = 1;
@@ -52,4 +56,8 @@ void init_param() {
   global_indel_score = -6;
   global_remove_mostly_hidden = true;
   global_mask_repeats = false;
+  global_bed_filename.clear();
+  global_gff3_filename.clear();
+  global_tsv_filename.clear();
+  global_jsonl_filename.clear();
 }

@@ -39,6 +39,10 @@
 /// | `global_indel_score`             | -6         | score, <= -2                | per inserted or deleted base |
 /// | `global_remove_mostly_hidden`    | true       |                             | drop the lower of two mostly overlapping repeats |
 /// | `global_mask_repeats`            | false      |                             | write the masked copy of the input |
+/// | `global_bed_filename`            | empty      | path, or "-": standard output | the repeats in BED; empty: not written |
+/// | `global_gff3_filename`           | empty      | the same                    | ... in GFF3 |
+/// | `global_tsv_filename`            | empty      | the same                    | ... as tab-separated values |
+/// | `global_jsonl_filename`          | empty      | the same                    | ... in JSON Lines |
 // clang-format on
 
 extern std::string global_input_filename;
@@ -67,6 +71,10 @@ extern int global_mismatch_score;
 extern int global_indel_score;
 extern bool global_remove_mostly_hidden;
 extern bool global_mask_repeats;
+extern std::string global_bed_filename;
+extern std::string global_gff3_filename;
+extern std::string global_tsv_filename;
+extern std::string global_jsonl_filename;
 
-/// Stores the defaults of the table above in every parameter but the two file names.
+/// Stores the defaults of the table above in every parameter but the names of input and report.
 void init_param();

@@ -47,6 +47,15 @@ void redirect_to_closed_pipe(int descriptor) {
   close(ends[1]);
 }
 
+/// In the child: standard input becomes a pipe that holds the bytes.
+void redirect_from_pipe(const std::string& bytes) {
+  std::array<int, 2> ends{};
+  if (pipe(ends.data()) != 0 || dup2(ends[0], STDIN_FILENO) == -1) _exit(125);
+  if (write(ends[1], bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) _exit(125);
+  close(ends[0]);
+  close(ends[1]);
+}
+
 void limit_memory(std::size_t bytes) {
   if (bytes == 0) return;
   const rlimit limit{bytes, bytes};
@@ -56,11 +65,13 @@ void limit_memory(std::size_t bytes) {
 [[noreturn]] void become_program(const std::vector<std::string>& arguments, const Surroundings& surroundings,
                                  const fs::path& dir, const fs::path& logs) {
   if (chdir(dir.c_str()) != 0) _exit(125);
-  redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
+  redirect(STDIN_FILENO, surroundings.stdin_path, O_RDONLY);
+  if (!surroundings.stdin_bytes.empty()) redirect_from_pipe(surroundings.stdin_bytes);
   redirect(STDERR_FILENO, (logs / "err").string(), O_WRONLY | O_CREAT | O_TRUNC);
   const std::string out = surroundings.stdout_path.empty() ? (logs / "out").string() : surroundings.stdout_path;
   redirect(STDOUT_FILENO, out, O_WRONLY | O_CREAT | (surroundings.append_stdout ? O_APPEND : O_TRUNC));
   if (surroundings.stdout_is_closed_pipe) redirect_to_closed_pipe(STDOUT_FILENO);
+  if (surroundings.stdin_is_closed) close(STDIN_FILENO);
   limit_memory(surroundings.memory_limit);
   alarm(longest_run);
 

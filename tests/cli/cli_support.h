@@ -17,8 +17,12 @@ struct Result {
   int status;  ///< exit status; 1000 + the number of the signal if one ended the program
 };
 
-/// How a run departs from the ordinary: standard output and standard error go to files that the test reads.
+/// How a run departs from the ordinary: standard input is empty, standard output and standard error go to files that
+/// the test reads.
 struct Surroundings {
+  std::string stdin_path = "/dev/null";
+  std::string stdin_bytes;  ///< if there are any, they come through a pipe, at most 64 KiB
+  bool stdin_is_closed = false;
   std::string stdout_path;     ///< standard output goes here instead, and `Result::out` stays empty
   bool append_stdout = false;  ///< ... behind what the file holds
   bool stdout_is_closed_pipe = false;

@@ -115,9 +115,18 @@ void check(const std::string& path, const std::string& prefix, const std::string
   if (prefix.empty()) check_round_trip(path, program.records);
 }
 
+/// The reference reads plain text only; what is compressed must not do any harm.
+bool is_compressed(const std::string& bytes) {
+  return bytes.compare(0, 2, "\x1f\x8b") == 0;
+}
+
 void check_at_start(const std::string& bytes) {
   static MemoryFile file;
   file.write_at(0, bytes.data(), bytes.size());
+  if (is_compressed(bytes)) {
+    read_all(file.path(), 80);
+    return;
+  }
   check(file.path(), "", bytes);
 }
 

@@ -98,6 +98,21 @@ TEST_F(OutputFileTest, AFullDeviceIsReportedByItsName) {
             "Sorry! Failed to write file\n   \"/dev/full\"\ncompletely: No space left on device.\n");
 }
 
+TEST_F(OutputFileTest, ATemporaryFileCanBeReadAndLeavesNothing) {
+  const char* const before = std::getenv("TMPDIR");
+  const std::string place = before == nullptr ? "/tmp" : before;
+  setenv("TMPDIR", dir.path().c_str(), 1);
+  OutputFile file;
+  EXPECT_TRUE(file.open_temporary());
+  setenv("TMPDIR", place.c_str(), 1);
+  file.write("text", 4);
+  std::rewind(file.stream());
+  char text[5] = {};
+  EXPECT_EQ(std::fread(text, 1, 4, file.stream()), 4U);
+  EXPECT_STREQ(text, "text");
+  EXPECT_TRUE(std::filesystem::is_empty(dir.path()));
+}
+
 TEST_F(OutputFileTest, ClosingAFileThatIsNotOpenLosesNothing) {
   EXPECT_TRUE(OutputFile().close());
 }

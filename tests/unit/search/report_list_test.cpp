@@ -33,4 +33,21 @@ TEST_F(ReportListTest, ANameWithPercentSignsIsWrittenAsItIs) {
   EXPECT_EQ(report("ACGT", "100%s %n \xc3\xa4"), ">100%s %n \xc3\xa4\nsequence length: 4\n");
 }
 
+TEST_F(ReportListTest, HandsOnEveryRepeatWithItsEvents) {
+  std::string bases;
+  for (int i = 0; i < 700; ++i) bases += "ACGTACGTACGTACGTACGA";  // more events than are kept until the report
+  test::Sequence sequence(bases);
+  CSearchController controller(1, sequence.mol);
+  controller.complete_imperfect_search();
+  CSearchController::remove_hidden(controller.imperfect_sats);
+  std::size_t events = 0;
+  test::bytes_written_by([&](std::FILE* out) {
+    controller.report_SATList(out, controller.imperfect_sats.sats, [&events](const Csat& sat) {
+      EXPECT_TRUE(sat.has_all_events());
+      events = std::max<std::size_t>(events, sat.missense.size);
+    });
+  });
+  EXPECT_GT(events, 512U);
+}
+
 }  // namespace
