@@ -65,6 +65,7 @@ struct Options {
   IntOption printRepeatSeqMode;
   IntOption outputFormat;
   TCLAP::SwitchArg maskX;
+  TCLAP::SwitchArg progress;
   IntOption flanking;
   FloatOption minPerfection;
   TCLAP::SwitchArg dontRemoveMostlyOverlapping;
@@ -132,6 +133,10 @@ Options::Options(TCLAP::CmdLine& cmd)
                    false, global_print_sat_mode, "int", cmd),
       maskX("", "maskX", "Writes the sequences to a file with the extension \".masked\" in which repeats are masked.",
             cmd, global_mask_repeats),
+      progress("", "progress",
+               "Shows on the terminal how far the search has come: bases done, share of the input file, bases per "
+               "second and time left. Nothing is shown if standard error is not a terminal.",
+               cmd, global_show_progress),
       flanking("f", "flanking",
                "If the satellite sequence is printed, this is the number of flanking nucleotides to be printed to the "
                "left and right of it. Default: 0",
@@ -201,6 +206,7 @@ void store_values(Options& options) {
   global_flanking = options.flanking.getValue();
   global_perfection_minimum = options.minPerfection.getValue();
   global_mask_repeats = options.maskX.getValue();
+  global_show_progress = options.progress.getValue();
   const std::string& mode = options.searchMode.getValue();
   global_search_mode = mode == "exact" ? 0 : mode == "extendExact" ? 1 : 2;
 }

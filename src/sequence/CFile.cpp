@@ -9,6 +9,13 @@ bool is_directory(const std::string& filename) {
   return stat(filename.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+/// In bytes; 0 for what has no size, a pipe for instance.
+std::uint64_t size_of(const std::string& filename) {
+  struct stat status {};
+  if (stat(filename.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
 }  // namespace
 
 CFile::CFile(const std::string& filename) : block(new char[block_size]), current(block.get()), block_end(block.get()) {
@@ -20,6 +27,7 @@ CFile::CFile(const std::string& filename) : block(new char[block_size]), current
   rdbuf()->pubsetbuf(nullptr, 0);  // the block is the buffer: no second copy
   open(filename, std::ios::in | std::ios::binary);
   open_failed = fail();
+  file_size = size_of(filename);
 }
 
 CFile::~CFile() = default;
@@ -31,6 +39,7 @@ bool CFile::refill_if_empty() {
   if (bad()) throw static_cast<int>(FASTA_READ_FAILED);
   current = block.get();
   block_end = current + got;
+  bytes_read += static_cast<std::uint64_t>(got);
   if (got == 0) at_eof = true;
   return got != 0;
 }

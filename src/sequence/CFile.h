@@ -52,6 +52,12 @@ class CFile : private std::ifstream {
   /// Marks the first n bytes of the span that `available` returned as handed out.
   void consume(std::size_t n) { current += n; }
 
+  /// The size of the file in bytes when it was opened; 0 if it is not known, as for a pipe.
+  std::uint64_t size() const { return file_size; }
+
+  /// How many of these bytes were handed out.
+  std::uint64_t position() const { return bytes_read - static_cast<std::uint64_t>(block_end - current); }
+
   /// Counts a finished line; the readers call it once for every line end that they take.
   void count_line() { ++finished_lines; }
 
@@ -65,6 +71,8 @@ class CFile : private std::ifstream {
   bool refill_if_empty();
 
   std::uint64_t finished_lines = 0;
+  std::uint64_t file_size = 0;
+  std::uint64_t bytes_read = 0;
   bool at_eof = false;
   std::unique_ptr<char[]> block;
   char* current;

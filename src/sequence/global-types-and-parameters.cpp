@@ -26,6 +26,7 @@ int global_mismatch_score;
 int global_indel_score;
 bool global_remove_mostly_hidden;
 bool global_mask_repeats;
+bool global_show_progress;
 
 void init_param() {
   global_sequence_from = 1;
@@ -52,4 +53,5 @@ void init_param() {
   global_indel_score = -6;
   global_remove_mostly_hidden = true;
   global_mask_repeats = false;
+  global_show_progress = false;
 }

@@ -39,6 +39,7 @@
 /// | `global_indel_score`             | -6         | score, <= -2                | per inserted or deleted base |
 /// | `global_remove_mostly_hidden`    | true       |                             | drop the lower of two mostly overlapping repeats |
 /// | `global_mask_repeats`            | false      |                             | write the masked copy of the input |
+/// | `global_show_progress`           | false      |                             | draw the progress line on a terminal |
 // clang-format on
 
 extern std::string global_input_filename;
@@ -67,6 +68,7 @@ extern int global_mismatch_score;
 extern int global_indel_score;
 extern bool global_remove_mostly_hidden;
 extern bool global_mask_repeats;
+extern bool global_show_progress;
 
 /// Stores the defaults of the table above in every parameter but the two file names.
 void init_param();

@@ -17,12 +17,14 @@ struct Result {
   int status;  ///< exit status; 1000 + the number of the signal if one ended the program
 };
 
-/// How a run departs from the ordinary: standard output and standard error go to files that the test reads.
+/// How a run departs from the ordinary: standard output and standard error go to files that the test reads. A terminal
+/// passes on what is written as it is.
 struct Surroundings {
   std::string stdout_path;     ///< standard output goes here instead, and `Result::out` stays empty
   bool append_stdout = false;  ///< ... behind what the file holds
   bool stdout_is_closed_pipe = false;
-  std::size_t memory_limit = 0;  ///< bytes of address space; 0: no limit
+  unsigned short terminal_columns = 0;  ///< standard error is a terminal of so many columns; 0: a file
+  std::size_t memory_limit = 0;         ///< bytes of address space; 0: no limit
 };
 
 /// The settings that the summary shows, at their defaults.
