@@ -26,15 +26,20 @@ bool CSearchController::passes(const Csat& sat, const ThresholdTable& scores, co
 
 void CSearchController::report_progress(const char* p, std::int64_t unit_length) const {
   if ((p - seq.begin()) % 256 != 0) return;
-  draw_progress(p, unit_length - global_min_unit_length);
+  if (progress_line_is_on) {
+    draw_progress(static_cast<double>(unit_length - global_min_unit_length) + share_before(p));
+  }
   if (check_report_status()) report_status(sequence_number, seq.name.c_str(), static_cast<unsigned>(unit_length), 'r');
 }
 
-void CSearchController::draw_progress(const char* p, std::int64_t step) const {
+void CSearchController::draw_progress(double steps_done) const {
   if (!progress_line_is_on) return;
   const std::int64_t steps = unit_lengths() + (global_search_mode == 1 ? 1 : 0);
-  const double share_of_step = static_cast<double>(p - seq.begin()) / static_cast<double>(seq.end() - seq.begin());
-  show_progress((static_cast<double>(step) + share_of_step) / static_cast<double>(steps));
+  show_progress(steps_done / static_cast<double>(steps));
+}
+
+double CSearchController::share_before(const char* p) const {
+  return static_cast<double>(p - seq.begin()) / static_cast<double>(seq.end() - seq.begin());
 }
 
 std::int64_t CSearchController::longest_unit() const {

@@ -92,9 +92,11 @@ class CSearchController {
   /// --progress.
   void report_progress(const char* p, std::int64_t unit_length) const;
 
-  /// Draws the line of --progress, if it is on, with the search at `p` in its step `step`, counted from 0. Every unit
-  /// length is a step, and so is the extension in mode "extendExact".
-  void draw_progress(const char* p, std::int64_t step) const;
+  /// Draws the line of --progress, if it is on, when so many steps of the search are done. Every unit length is a step,
+  /// and so is the extension in mode "extendExact".
+  void draw_progress(double steps_done) const;
+  /// The position as a share of the sequence, 0 to 1.
+  double share_before(const char* p) const;
 
   /// The longest unit length that can be seeded at all: a window must end before the last base.
   std::int64_t longest_unit() const;

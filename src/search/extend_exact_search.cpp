@@ -26,7 +26,8 @@ void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   std::list<Csat*>& found = imperfect_sats.sats;
   while (!seeds.empty()) {
     Csat* const sat = seeds.front();
-    draw_progress(sat->pos_left, unit_lengths());  // the seeds stand in the order of their positions
+    // The seeds stand in the order of their positions.
+    draw_progress(static_cast<double>(unit_lengths()) + share_before(sat->pos_left));
     if (grow_imperfect(*sat)) {
       drop_many_events(*sat);
       sat->sort_missense();

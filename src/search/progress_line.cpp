@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -21,6 +22,7 @@ struct LineState {
   Clock::time_point next_drawing;
   std::uint64_t file_size = 0;
   RecordPlace record;              ///< the one that is searched
+  double share = 0;                ///< how much of its search is done, 0 to 1
   std::uint64_t bases_before = 0;  ///< in the records searched before it
   std::uint64_t bytes_before = 0;  ///< of those records in the file
   bool drawn = false;              ///< the line is on the terminal
@@ -94,15 +96,17 @@ void enter_record(const RecordPlace& record) {
   line.bases_before += line.record.bases;
   line.bytes_before += line.record.end - line.record.begin;
   line.record = record;
+  line.share = 0;
 }
 
 void show_progress(double share) {
   const Clock::time_point now = Clock::now();
+  line.share = std::max(line.share, share);
   if (!progress_line_is_on || now < line.next_drawing) return;
   line.next_drawing = now + redraw_interval;
   line.drawn = true;
   // The last column stays free: a terminal would go on to the next line behind it.
-  const std::string text = progress_text(progress_at(share)).substr(0, terminal_width() - 1);
+  const std::string text = progress_text(progress_at(line.share)).substr(0, terminal_width() - 1);
   const std::string drawing = "\r" + text + clear_to_end_of_line;
   std::fwrite(drawing.data(), 1, drawing.size(), stderr);
   std::fflush(stderr);

@@ -25,7 +25,7 @@ struct RecordPlace {
 void enter_record(const RecordPlace& record);
 
 /// Draws the line if the last drawing is a quarter of a second old. `share` is how much of the search of the record is
-/// done, 0 to 1.
+/// done, 0 to 1; a smaller one than before is taken for that one.
 void show_progress(double share);
 
 /// Takes the line off the terminal if it is there.

@@ -140,6 +140,17 @@ TEST_F(CliProgressTest, TheLineIsDrawnFourTimesASecondAtMost) {
   EXPECT_LE(static_cast<double>(drawings(result.err).size()), 1 + 4 * seconds.count());
 }
 
+TEST_F(CliProgressTest, TheShareNeverGoesBack) {
+  write("x.fa", ">a\n" + bases(300000) + "\n>b\n" + bases(200000) + "\n");
+  const Result result = run({"--progress", "-U", "50", "x.fa", "out.txt"}, terminal(wide));
+  std::vector<int> shares;
+  for (const std::string& drawing : drawings(result.err))
+    shares.push_back(std::stoi(drawing.substr(drawing.find(", ") + 2)));
+  EXPECT_THAT(shares, Not(IsEmpty()));
+  EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end())) << testing::PrintToString(shares);
+  EXPECT_LE(shares.back(), 100);
+}
+
 TEST_F(CliProgressTest, OfAPipeBasesAndRateAreShown) {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   std::thread writer([this] { std::ofstream(path("pipe")) << read("x.fa"); });
