@@ -70,16 +70,16 @@ Progress progress_at(double share) {
 
 std::string progress_text(const Progress& progress) {
   const auto file_size = static_cast<double>(progress.file_size);
+  const double file_offset = std::min(progress.file_offset, file_size);  // the file may have grown meanwhile
   std::string text = with_prefix(progress.bases, "bp");
   if (progress.file_size > 0) {
-    text += ", " + std::to_string(static_cast<int>(100 * progress.file_offset / file_size)) + " % of ";
+    text += ", " + std::to_string(static_cast<int>(100 * file_offset / file_size)) + " % of ";
     text += with_prefix(file_size, "B");
   }
   if (progress.bases < 1 || progress.seconds <= 0) return text;
   text += ", " + with_prefix(progress.bases / progress.seconds, "bp/s");
   if (progress.file_size > 0 && progress.bytes_searched >= 1) {
-    const double bytes_left = file_size - progress.file_offset;
-    text += ", " + duration(progress.seconds * bytes_left / progress.bytes_searched) + " left";
+    text += ", " + duration(progress.seconds * (file_size - file_offset) / progress.bytes_searched) + " left";
   }
   return text;
 }

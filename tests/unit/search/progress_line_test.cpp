@@ -42,6 +42,12 @@ TEST(ProgressTextTest, SkippedRecordsCostNoTime) {
   EXPECT_EQ(progress_text(progress), "50.00 Mbp, 50 % of 102.00 MB, 2.50 Mbp/s, 0:01:40 left");
 }
 
+TEST(ProgressTextTest, AFileThatGrowsIsNeverMoreThanDone) {
+  Progress progress = half_way();
+  progress.file_offset = 200 * M;
+  EXPECT_EQ(progress_text(progress), "50.00 Mbp, 100 % of 102.00 MB, 2.50 Mbp/s, 0:00:00 left");
+}
+
 TEST(ProgressTextTest, ALongTimeIsShownInHours) {
   Progress progress = half_way();
   progress.seconds = 100 * 3600 + 61;
