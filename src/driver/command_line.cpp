@@ -76,6 +76,7 @@ struct Options {
   FileOption gff3;
   FileOption tsv;
   FileOption jsonl;
+  TCLAP::SwitchArg progress;
   IntOption flanking;
   FloatOption minPerfection;
   TCLAP::SwitchArg dontRemoveMostlyOverlapping;
@@ -147,6 +148,10 @@ Options::Options(TCLAP::CmdLine& cmd)
       gff3("", "gff3", table_file("in GFF3 form"), false, "", "file", cmd),
       tsv("", "tsv", table_file("as a table of tab-separated values"), false, "", "file", cmd),
       jsonl("", "jsonl", table_file("in JSON Lines form"), false, "", "file", cmd),
+      progress("", "progress",
+               "Shows on the terminal how far the search has come: bases done, share of the input file, bases per "
+               "second and time left. Nothing is shown if standard error is not a terminal.",
+               cmd, global_show_progress),
       flanking("f", "flanking",
                "If the satellite sequence is printed, this is the number of flanking nucleotides to be printed to the "
                "left and right of it. Default: 0",
@@ -220,6 +225,7 @@ void store_values(Options& options) {
   global_gff3_filename = options.gff3.getValue();
   global_tsv_filename = options.tsv.getValue();
   global_jsonl_filename = options.jsonl.getValue();
+  global_show_progress = options.progress.getValue();
   const std::string& mode = options.searchMode.getValue();
   global_search_mode = mode == "exact" ? 0 : mode == "extendExact" ? 1 : 2;
 }

@@ -2,6 +2,7 @@
 
 #include "driver/number2cstring.h"
 #include "driver/ostrel_version.h"
+#include "search/progress_line.h"
 #include "sequence/global-types-and-parameters.h"
 
 namespace {
@@ -46,6 +47,7 @@ class ColumnList {
 
 void general_PrintMessage(std::FILE* out, const std::string& a, const std::string& b, const std::string& c,
                           const std::string& d) {
+  if (out == stderr) clear_progress_line();
   for (const std::string* text : {&a, &b, &c, &d}) std::fputs(text->c_str(), out);
 }
 

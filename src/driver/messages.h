@@ -17,7 +17,7 @@ enum ExitCode : int {
   EXIT_OUT_OF_MEMORY = -106,      ///< memory ran out
 };
 
-/// Writes each string as it stands.
+/// Writes each string as it stands. On standard error a progress line makes room for it.
 void general_PrintMessage(std::FILE* out, const std::string& a, const std::string& b = {}, const std::string& c = {},
                           const std::string& d = {});
 

@@ -17,6 +17,7 @@
 #include "driver/parameter_summary.h"
 #include "driver/repeat_tables.h"
 #include "search/CSearchController.h"
+#include "search/progress_line.h"
 #include "search/run_status.h"
 #include "sequence/CFile.h"
 #include "sequence/CSequence_Mol.h"
@@ -35,6 +36,7 @@ struct Run {
   OutputFile masked;           ///< not open unless masking was asked for
   bool masked_failed = false;  ///< asked for, but it could not be opened
   unsigned counter = 0;        ///< 1-based number of the record last read
+  RecordPlace place;           ///< where in the input it stands
 };
 
 std::string masked_filename() {
@@ -144,6 +146,7 @@ void search_and_report(Run& run) {
   }
   CSearchController::remove_hidden(*result);
   run.tables.begin_sequence(run.sequence, run.counter);
+  clear_progress_line();  // the report may go to the same terminal
   controller.report_SATList(run.out.stream(), result->sats,
                             [&run](const Csat& sat) { run.tables.add(sat, run.sequence); });
   if (!run.masked.is_open()) return;
@@ -160,7 +163,21 @@ void process_record(Run& run) {
   }
   report_status(run.counter, name.c_str(), global_min_unit_length, 'r');
   update_report_time();
+  enter_record(run.place);
   search_and_report(run);
+}
+
+void read_record(Run& run) {
+  run.place.begin = run.input->position();
+  run.sequence.readFastaSequence(*run.input);
+  run.place.end = run.input->position();
+  run.place.bases = run.sequence.sequence.length;
+}
+
+/// Nobody knows beforehand how much of the file comes before the last record of a range.
+void start_progress(const Run& run) {
+  const bool to_the_end = global_sequence_to == UINT32_MAX;
+  if (global_show_progress) start_progress_line(to_the_end ? run.input->size() : 0);
 }
 
 const char* expectation(int fasta_error) {
@@ -205,6 +222,7 @@ int start(Run& run, int argc, const char* const* argv) {
   write_headers(run.out.stream());
   if (!run.out.flush()) return EXIT_WRITE_FAILED;
   open_masked(run);
+  start_progress(run);
   return EXIT_COMPLETE;
 }
 
@@ -213,7 +231,7 @@ int process_all_records(Run& run) {
     while (!run.input->eof()) {
       ++run.counter;
       errno = 0;  // so that a write that fails meanwhile leaves its reason
-      run.sequence.readFastaSequence(*run.input);
+      read_record(run);
       process_record(run);
       if (run.out.has_failed()) return EXIT_WRITE_FAILED;
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "search/progress_line.h"
 #include "search/run_status.h"
 #include "sequence/global-types-and-parameters.h"
 
@@ -26,12 +27,29 @@ bool CSearchController::passes(const Csat& sat, const ThresholdTable& scores, co
 }
 
 void CSearchController::report_progress(const char* p, std::int64_t unit_length) const {
-  if ((p - seq.begin()) % 256 != 0 || !check_report_status()) return;
-  report_status(sequence_number, seq.name.c_str(), static_cast<unsigned>(unit_length), 'r');
+  if ((p - seq.begin()) % 256 != 0) return;
+  if (progress_line_is_on) {
+    draw_progress(static_cast<double>(unit_length - global_min_unit_length) + share_before(p));
+  }
+  if (check_report_status()) report_status(sequence_number, seq.name.c_str(), static_cast<unsigned>(unit_length), 'r');
+}
+
+void CSearchController::draw_progress(double steps_done) const {
+  if (!progress_line_is_on) return;
+  const std::int64_t steps = unit_lengths() + (global_search_mode == 1 ? 1 : 0);
+  show_progress(steps_done / static_cast<double>(steps));
+}
+
+double CSearchController::share_before(const char* p) const {
+  return static_cast<double>(p - seq.begin()) / static_cast<double>(seq.end() - seq.begin());
 }
 
 std::int64_t CSearchController::longest_unit() const {
   return std::min<std::int64_t>(global_max_unit_length, seq.end() - seq.begin() - 1);
+}
+
+std::int64_t CSearchController::unit_lengths() const {
+  return std::max<std::int64_t>(0, longest_unit() - global_min_unit_length + 1);
 }
 
 bool CSearchController::valid_starting_pattern(const char* begin, const char* end, const char* next_N) {

@@ -91,11 +91,20 @@ class CSearchController {
   static bool passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths);
   bool is_accepted(const Csat& sat) const { return passes(sat, *minScores, *minLengths); }
 
-  /// Lets the run status write a progress line, every 256 positions and once a minute at most.
+  /// Every 256 positions: lets the run status write a progress line, once a minute at most, and draws the line of
+  /// --progress.
   void report_progress(const char* p, std::int64_t unit_length) const;
+
+  /// Draws the line of --progress, if it is on, when so many steps of the search are done. Every unit length is a step,
+  /// and so is the extension in mode "extendExact".
+  void draw_progress(double steps_done) const;
+  /// The position as a share of the sequence, 0 to 1.
+  double share_before(const char* p) const;
 
   /// The longest unit length that can be seeded at all: a window must end before the last base.
   std::int64_t longest_unit() const;
+  /// How many unit lengths are searched; 0 in a record that is too short for any.
+  std::int64_t unit_lengths() const;
 
   void search_exact_mononucleotides();
   void search_exact_units(std::int64_t unit_length, CAnchorSeq& cover);

@@ -1,8 +1,7 @@
 // The mode that grows exact seeds into imperfect repeats.
 
-#include <cstdio>
-
 #include "search/CSearchController.h"
+#include "search/run_status.h"
 #include "search/seed_filter.h"
 
 void CSearchController::drop_seeds_that_cannot_grow(std::int64_t unit_length) {
@@ -14,8 +13,7 @@ void CSearchController::drop_seeds_that_cannot_grow(std::int64_t unit_length) {
 }
 
 void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
-  std::fputs("  Searching for exact repeats.\n", stderr);
-  std::fflush(stderr);
+  write_status("  Searching for exact repeats.\n");
   minScores = &minScores_intern;
   minLengths = &minLengths_intern;
   exact_search_2();
@@ -23,12 +21,13 @@ void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   minScores = &minScores_user;
   minLengths = &minLengths_user;
 
-  std::fputs("  Extend exact to imperfect repeats.\n", stderr);
-  std::fflush(stderr);
+  write_status("  Extend exact to imperfect repeats.\n");
   std::list<Csat*>& seeds = exact_sats.sats;
   std::list<Csat*>& found = imperfect_sats.sats;
   while (!seeds.empty()) {
     Csat* const sat = seeds.front();
+    // The seeds stand in the order of their positions.
+    draw_progress(static_cast<double>(unit_lengths()) + share_before(sat->pos_left));
     if (grow_imperfect(*sat)) {
       drop_many_events(*sat);
       sat->sort_missense();

@@ -67,7 +67,11 @@ void CSearchController::prepare_candidates(std::int64_t unit_length) {
   const std::int64_t last = filter.end_of_range(unit_length, longest_unit());
   while (lag_range_last < last && useful(lag_range_last + 1)) ++lag_range_last;
   if (lag_range_last < lag_range_first) return;
-  filter.mark_candidates(lag_range_first, lag_range_last, *minScores, lag_candidates);
+  // Nearly all of the work on these unit lengths is done here.
+  const auto units = static_cast<double>(lag_range_last - lag_range_first + 1);
+  const auto done = static_cast<double>(lag_range_first - global_min_unit_length);
+  filter.mark_candidates(lag_range_first, lag_range_last, *minScores, lag_candidates,
+                         [&](double share) { draw_progress(done + share * units); });
 }
 
 void CSearchController::keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const {

@@ -78,7 +78,8 @@ class RangeScan {
         certified_(static_cast<std::size_t>(rows_) * row_bytes_),
         candidates_(candidates) {}
 
-  void run() {
+  /// Tells `report_share` how much of the rows is done, 0 to 1.
+  void run(const std::function<void(double)>& report_share) {
     for (std::int64_t first_row = 0; first_row < size_ - task_.first_unit; first_row += rows_) {
       copy_bases(first_row);
       const std::int64_t rest = size_ - first_row;
@@ -86,6 +87,7 @@ class RangeScan {
       LagRows rows{bases_.data(), std::min(rows_ + task_.last_unit, rest), 0, decided};
       certify_rows(task_, rows, certified_.data());
       for (std::int64_t row = 0; row < decided; ++row) mark_row(first_row + row, row);
+      report_share(static_cast<double>(first_row + decided) / static_cast<double>(size_));
     }
   }
 
@@ -145,11 +147,14 @@ std::int64_t LagFilter::end_of_range(std::int64_t first, std::int64_t last) cons
 }
 
 void LagFilter::mark_candidates(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
-                                std::vector<std::vector<std::uint64_t>>& candidates) const {
+                                std::vector<std::vector<std::uint64_t>>& candidates,
+                                const std::function<void(double)>& report_share) const {
   const auto words = static_cast<std::size_t>((end_ - begin_ + 63) / 64);
   candidates.assign(static_cast<std::size_t>(last - first + 1), std::vector<std::uint64_t>(words, 0));
   for (const bool forward : {true, false}) {
     const LagTask task = make_task(first, last, minimum_scores, rules_, forward);
-    RangeScan(begin_, end_, task, forward, candidates).run();
+    RangeScan(begin_, end_, task, forward, candidates).run([&](double share) {
+      report_share((forward ? 0 : 0.5) + share / 2);
+    });
   }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "search/front.h"
@@ -24,8 +25,11 @@ class LagFilter {
 
   /// Marks the seeds that must be tried, for the unit lengths first to last, inclusive, all useful. candidates[L -
   /// first] has bit p % 64 of word p / 64 for the seed of unit length L that starts at base p.
-  void mark_candidates(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
-                       std::vector<std::vector<std::uint64_t>>& candidates) const;
+  /// Now and then `report_share` is told how much of the work is done, 0 to 1.
+  void mark_candidates(
+      std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
+      std::vector<std::vector<std::uint64_t>>& candidates,
+      const std::function<void(double)>& report_share = [](double) {}) const;
 
  private:
   const char* begin_;

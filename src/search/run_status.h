@@ -12,6 +12,9 @@ void update_report_time();
 /// True, at most about once a minute, when a progress line is due.
 bool check_report_status();
 
+/// Writes a line that the search has to say; it ends with a line end.
+void write_status(const char* line);
+
 /// Writes one progress line: processor time, record number (1-based), unit length, record name cut at 70 bytes.
 /// `kind` is 'r' while running and 'f' for the final line; both look the same.
 void report_status(unsigned seqnr, const char* name, unsigned unit_length, char kind);

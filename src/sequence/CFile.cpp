@@ -31,3 +31,8 @@ CFile::Span CFile::available() {
   refill_if_empty();
   return {current, block_end};
 }
+
+std::uint64_t CFile::position() const {
+  const std::uint64_t waiting = source.is_compressed() ? 0 : static_cast<std::uint64_t>(block_end - current);
+  return source.position() - waiting;
+}

@@ -44,6 +44,12 @@ class CFile {
   /// Marks the first n bytes of the span that `available` returned as handed out.
   void consume(std::size_t n) { current += n; }
 
+  /// The size of the file in bytes when it was opened; 0 if it is not known, as for a pipe.
+  std::uint64_t size() const { return source.size(); }
+
+  /// How many of these bytes were handed out; of a compressed file, how many were read to that end.
+  std::uint64_t position() const;
+
   /// Counts a finished line; the readers call it once for every line end that they take.
   void count_line() { ++finished_lines; }
 

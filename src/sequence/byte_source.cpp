@@ -15,9 +15,8 @@
 
 namespace {
 
-bool can_be_read(int descriptor) {
-  struct stat status {};
-  if (fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) return false;
+bool can_be_read(int descriptor, const struct stat& status) {
+  if (S_ISDIR(status.st_mode)) return false;
   return (fcntl(descriptor, F_GETFL) & O_ACCMODE) != O_WRONLY;
 }
 
@@ -40,8 +39,10 @@ ByteSource::ByteSource(const std::string& filename) {
   // Opened here and not by the library, for which a name may also be an address in a network.
   const int descriptor = open_descriptor(filename);
   if (descriptor == -1) return;
-  if (can_be_read(descriptor)) file_.reset(hdopen(descriptor, "r"));
+  struct stat status {};
+  if (fstat(descriptor, &status) == 0 && can_be_read(descriptor, status)) file_.reset(hdopen(descriptor, "r"));
   if (!is_open()) close(descriptor);
+  if (S_ISREG(status.st_mode)) size_ = static_cast<std::uint64_t>(status.st_size);
 }
 
 ByteSource::~ByteSource() = default;
@@ -49,6 +50,11 @@ ByteSource::~ByteSource() = default;
 std::size_t ByteSource::read(char* to, std::size_t n) {
   if (!looked_) look_for_compression();
   return bgzf_ != nullptr ? read_compressed(to, n) : read_plain(to, n);
+}
+
+std::uint64_t ByteSource::position() const {
+  hFILE* const file = bgzf_ != nullptr ? bgzf_->fp : file_.get();
+  return file == nullptr ? 0 : static_cast<std::uint64_t>(htell(file));
 }
 
 bool ByteSource::lacks_end_marker() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -29,6 +30,12 @@ class ByteSource {
   /// have been handed out.
   std::size_t read(char* to, std::size_t n);
 
+  /// The size of the file in bytes, compressed if it is so; 0 if it is not known, as for a pipe.
+  std::uint64_t size() const { return size_; }
+  /// How many of these bytes were read.
+  std::uint64_t position() const;
+  bool is_compressed() const { return bgzf_ != nullptr; }
+
   /// Whether the input is in BGZF form and was read to its end without the empty block that should stand there.
   bool lacks_end_marker() const;
 
@@ -43,6 +50,7 @@ class ByteSource {
   };
   std::unique_ptr<hFILE, Close> file_;  ///< null once `bgzf_`, which then owns it, has taken it over
   std::unique_ptr<BGZF, Close> bgzf_;
+  std::uint64_t size_ = 0;
   bool looked_ = false;
   bool damaged_ = false;  ///< nothing behind the bytes handed out so far can be decompressed
 };

@@ -30,6 +30,7 @@ std::string global_bed_filename;
 std::string global_gff3_filename;
 std::string global_tsv_filename;
 std::string global_jsonl_filename;
+bool global_show_progress;
 
 void init_param() {
   global_sequence_from = 1;
@@ -60,4 +61,5 @@ void init_param() {
   global_gff3_filename.clear();
   global_tsv_filename.clear();
   global_jsonl_filename.clear();
+  global_show_progress = false;
 }

@@ -43,6 +43,7 @@
 /// | `global_gff3_filename`           | empty      | the same                    | ... in GFF3 |
 /// | `global_tsv_filename`            | empty      | the same                    | ... as tab-separated values |
 /// | `global_jsonl_filename`          | empty      | the same                    | ... in JSON Lines |
+/// | `global_show_progress`           | false      |                             | draw the progress line on a terminal |
 // clang-format on
 
 extern std::string global_input_filename;
@@ -75,6 +76,7 @@ extern std::string global_bed_filename;
 extern std::string global_gff3_filename;
 extern std::string global_tsv_filename;
 extern std::string global_jsonl_filename;
+extern bool global_show_progress;
 
 /// Stores the defaults of the table above in every parameter but the names of input and report.
 void init_param();

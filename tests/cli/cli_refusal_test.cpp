@@ -270,6 +270,7 @@ TEST_F(CliRefusalTest, HelpNamesEveryOption) {
                              "--printRepeatSeqMode <int>",
                              "--outputFormat <int>",
                              "--maskX",
+                             "--progress",
                              "-f <int>, --flanking <int>",
                              "-P <float>, --minPerfection <float>",
                              "-D, --dontRemoveMostlyOverlapping",

@@ -1,8 +1,10 @@
 #include "cli_support.h"
 
 #include <fcntl.h>
+#include <pty.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -55,6 +57,47 @@ void redirect_from_pipe(const std::string& bytes) {
   close(ends[0]);
   close(ends[1]);
 }
+/// A terminal without a keyboard. Its far end is what the program writes to.
+class Terminal {
+ public:
+  explicit Terminal(unsigned short columns) {
+    if (columns == 0) return;
+    winsize size{};
+    size.ws_row = 24;
+    size.ws_col = columns;
+    termios raw{};
+    cfmakeraw(&raw);
+    if (openpty(&near_, &far_, nullptr, &raw, &size) != 0) throw std::runtime_error("no terminal");
+  }
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+  ~Terminal() {
+    if (near_ != -1) close(near_);
+  }
+
+  bool is_there() const { return near_ != -1; }
+
+  /// In the child: makes the descriptor the terminal.
+  void take_place_of(int descriptor) const {
+    if (is_there() && dup2(far_, descriptor) == -1) _exit(125);
+  }
+
+  /// In the parent: everything that is written until the child has closed its end.
+  std::string read_to_end() const {
+    std::string text;
+    if (!is_there()) return text;
+    close(far_);
+    std::array<char, 4096> bytes{};
+    for (ssize_t got = 0; (got = ::read(near_, bytes.data(), bytes.size())) > 0;) {
+      text.append(bytes.data(), static_cast<std::size_t>(got));
+    }
+    return text;
+  }
+
+ private:
+  int near_ = -1;
+  int far_ = -1;
+};
 
 void limit_memory(std::size_t bytes) {
   if (bytes == 0) return;
@@ -63,11 +106,12 @@ void limit_memory(std::size_t bytes) {
 }
 
 [[noreturn]] void become_program(const std::vector<std::string>& arguments, const Surroundings& surroundings,
-                                 const fs::path& dir, const fs::path& logs) {
+                                 const Terminal& terminal, const fs::path& dir, const fs::path& logs) {
   if (chdir(dir.c_str()) != 0) _exit(125);
   redirect(STDIN_FILENO, surroundings.stdin_path, O_RDONLY);
   if (!surroundings.stdin_bytes.empty()) redirect_from_pipe(surroundings.stdin_bytes);
   redirect(STDERR_FILENO, (logs / "err").string(), O_WRONLY | O_CREAT | O_TRUNC);
+  terminal.take_place_of(STDERR_FILENO);
   const std::string out = surroundings.stdout_path.empty() ? (logs / "out").string() : surroundings.stdout_path;
   redirect(STDOUT_FILENO, out, O_WRONLY | O_CREAT | (surroundings.append_stdout ? O_APPEND : O_TRUNC));
   if (surroundings.stdout_is_closed_pipe) redirect_to_closed_pipe(STDOUT_FILENO);
@@ -187,13 +231,15 @@ std::string CliTest::read(const std::string& name) const {
 }
 
 Result CliTest::run(const std::vector<std::string>& arguments, const Surroundings& surroundings) const {
+  const Terminal terminal(surroundings.terminal_columns);
   const pid_t child = fork();
   if (child == -1) throw std::runtime_error("no child process");
-  if (child == 0) become_program(arguments, surroundings, dir_, logs_);
+  if (child == 0) become_program(arguments, surroundings, terminal, dir_, logs_);
+  const std::string shown = terminal.read_to_end();
   int status = 0;
   waitpid(child, &status, 0);
   const bool to_log = surroundings.stdout_path.empty() && !surroundings.stdout_is_closed_pipe;
-  return {to_log ? content_of(logs_ / "out") : "", content_of(logs_ / "err"),
+  return {to_log ? content_of(logs_ / "out") : "", terminal.is_there() ? shown : content_of(logs_ / "err"),
           WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status)};
 }
 

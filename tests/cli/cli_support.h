@@ -18,7 +18,7 @@ struct Result {
 };
 
 /// How a run departs from the ordinary: standard input is empty, standard output and standard error go to files that
-/// the test reads.
+/// the test reads. A terminal passes on what is written as it is.
 struct Surroundings {
   std::string stdin_path = "/dev/null";
   std::string stdin_bytes;  ///< if there are any, they come through a pipe, at most 64 KiB
@@ -26,7 +26,8 @@ struct Surroundings {
   std::string stdout_path;     ///< standard output goes here instead, and `Result::out` stays empty
   bool append_stdout = false;  ///< ... behind what the file holds
   bool stdout_is_closed_pipe = false;
-  std::size_t memory_limit = 0;  ///< bytes of address space; 0: no limit
+  unsigned short terminal_columns = 0;  ///< standard error is a terminal of so many columns; 0: a file
+  std::size_t memory_limit = 0;         ///< bytes of address space; 0: no limit
 };
 
 /// The settings that the summary shows, at their defaults.

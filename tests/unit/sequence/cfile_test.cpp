@@ -126,4 +126,23 @@ TEST(CFileTest, LinesAreNumberedFromOne) {
   EXPECT_EQ(file->line_number(), 2U);
 }
 
+TEST(CFileTest, TheSizeIsThatOfTheFileInBytes) {
+  OpenFasta file(">r\r\nACGT\n");
+  EXPECT_EQ(file->size(), 9U);
+  EXPECT_EQ(CFile("/dev/null").size(), 0U);
+}
+
+TEST(CFileTest, ThePositionCountsTheBytesHandedOut) {
+  OpenFasta file("A\r\nCG");
+  EXPECT_EQ(file->position(), 0U);
+  file->getChar();
+  EXPECT_EQ(file->position(), 1U);
+  file->getChar();
+  EXPECT_EQ(file->position(), 3U);
+  file->ungetChar();
+  EXPECT_EQ(file->position(), 2U);
+  all_bytes(*file);
+  EXPECT_EQ(file->position(), 5U);
+}
+
 }  // namespace

@@ -51,6 +51,7 @@ TEST_F(ParametersTest, PenaltiesAreMinusSix) {
 TEST_F(ParametersTest, OverlapsAreRemovedAndNothingIsMasked) {
   EXPECT_TRUE(global_remove_mostly_hidden);
   EXPECT_FALSE(global_mask_repeats);
+  EXPECT_FALSE(global_show_progress);
 }
 
 TEST_F(ParametersTest, TheFileNamesAreLeftAlone) {
