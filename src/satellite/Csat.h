@@ -78,11 +78,6 @@ class Csat {
   /// Steps to the next or previous unit base, round the unit's ends.
   const char* next_unit_base(const char* base) const { return base + 1 == unit_end ? unit_begin : base + 1; }
   const char* previous_unit_base(const char* base) const { return (base == unit_begin ? unit_end : base) - 1; }
-
- private:
-  void report_line(std::FILE* out, const CSequence_Mol& seq, const char* unit) const;
-  void report_bases(std::FILE* out, const CSequence_Mol& seq) const;
-  void report_alignment(std::FILE* out, const CSequence_Mol& seq) const;
 };
 
 /// The names of the repeat classes by unit length, 0 to 6.

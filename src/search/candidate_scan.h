@@ -2,22 +2,29 @@
 
 // The scan over the seeds of one unit length, shared by the exact and the imperfect search.
 
-#include <algorithm>
+#include <cstring>
 
 #include "search/CSearchController.h"
 #include "search/seed_filter.h"
 
 /// The first N at or after `p`, or `end`, when `known` is the first N at or after some position before `p`.
 inline const char* first_N(const char* p, const char* known, const char* end) {
-  return known < p || (known != end && *known != 'N') ? std::find(p, end, 'N') : known;
+  if (known >= p && (known == end || *known == 'N')) return known;
+  const void* const found = std::memchr(p, 'N', static_cast<std::size_t>(end - p));
+  return found == nullptr ? end : static_cast<const char*>(found);
 }
 
 template <typename TrySeed>
 void CSearchController::for_each_set_bit(const std::vector<std::uint64_t>& bits, std::int64_t unit_length,
                                          TrySeed try_seed) {
+  std::size_t next_report = 0;
   for (std::size_t word = 0; word < bits.size(); ++word) {
+    if (bits[word] == 0) continue;  // stretches without candidates take no time worth a report
+    if (word >= next_report) {
+      report_progress(seq.begin() + 64 * (word / 4 * 4), unit_length);
+      next_report = word / 4 * 4 + 4;
+    }
     const char* const first = seq.begin() + 64 * word;
-    report_progress(first, unit_length);
     for (std::uint64_t rest = bits[word]; rest != 0; rest &= rest - 1) try_seed(first + __builtin_ctzll(rest));
   }
 }

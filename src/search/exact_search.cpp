@@ -62,18 +62,21 @@ void CSearchController::search_exact_mononucleotides() {
 }
 
 /// A kept repeat that also passes the user's thresholds is covered, so that it is not found again in another phase of
-/// its unit or at a multiple of it. The cover is carried on to the longer units.
+/// its unit or at a multiple of it. The cover is carried on to the longer units. What is not covered is found again in
+/// every phase, once for each; where the overlap removal would leave one of them only, the first one will do.
 void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq& cover) {
   const char* const end = seq.end();
   const char* next_N = seq.begin();
+  const char* next_seed = seq.begin();  // the windows before it lie in a repeat that was tried
   Csat* spare = nullptr;
   for_each_candidate(unit_length, 0, [&](const char* p) {
-    if (!cover.admits(p, unit_length)) return;
+    if (p < next_seed || !cover.admits(p, unit_length)) return;
     next_N = first_N(p, next_N, end);
     if (!valid_starting_pattern(p, p + unit_length, next_N)) return;
     if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
     spare->seed(p, p + unit_length);
     extend_exact_both_ways(*spare);
+    if (global_remove_mostly_hidden && spare->num_Ns == 0) next_seed = spare->pos_right_end - unit_length + 1;
     if (!is_accepted(*spare)) return;
     if (passes(*spare, minScores_user, minLengths_user)) cover.cover(*spare);
     exact_sats.sats.push_back(spare);

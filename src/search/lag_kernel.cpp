@@ -232,12 +232,47 @@ void certify(const LagTask& task, const LagRows& rows, std::uint8_t* certified) 
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace lag_kernel {
-HWY_EXPORT(certify);
+namespace {
+
+// Highway would choose as well, but by a function of its shared library, which spends 3 ms at every start of the
+// program on finding out how exact the clock is. Only its headers are used here.
+#if HWY_ARCH_X86
+bool has_sse4() {
+  return __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("aes");
+}
+
+bool has_avx2() {
+  return has_sse4() && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
+         __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2");
+}
+
+bool has_avx512() {
+  return has_avx2() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
+         __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw");
+}
+#endif
+
+}  // namespace
+
+std::vector<LagKernelLevel> lag_kernel_levels() {
+  std::vector<LagKernelLevel> levels;
+#if HWY_ARCH_X86
+  // A level that was not compiled has no function.
+  const auto add = [&levels](const char* name, bool supported, decltype(&certify_rows) kernel) {
+    if (supported && kernel != nullptr) levels.push_back({name, kernel});
+  };
+  using namespace lag_kernel;  // the macros name the functions without it
+  add("AVX512", has_avx512(), HWY_CHOOSE_AVX3(certify));
+  add("AVX2", has_avx2(), HWY_CHOOSE_AVX2(certify));
+  add("SSE4", has_sse4(), HWY_CHOOSE_SSE4(certify));
+  add("SSSE3", __builtin_cpu_supports("ssse3") != 0, HWY_CHOOSE_SSSE3(certify));
+#endif
+  levels.push_back({"baseline", &lag_kernel::HWY_STATIC_DISPATCH(certify)});
+  return levels;
 }
 
 void certify_rows(const LagTask& task, const LagRows& rows, std::uint8_t* certified) {
-  using namespace lag_kernel;
-  HWY_DYNAMIC_DISPATCH(certify)(task, rows, certified);
+  static const auto best = lag_kernel_levels().front().certify;
+  best(task, rows, certified);
 }
 #endif

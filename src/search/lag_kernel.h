@@ -43,3 +43,12 @@ struct LagRows {
 /// tells that no walk of the seed (row, lag of lane i) comes to the end of its unit or gains more than its limit.
 /// Values fit 8 bits when `start` + `last_unit` + 1 does; otherwise 16 bits are used.
 void certify_rows(const LagTask& task, const LagRows& rows, std::uint8_t* certified);
+
+/// The kernel for one level of vector instructions.
+struct LagKernelLevel {
+  const char* name;
+  void (*certify)(const LagTask& task, const LagRows& rows, std::uint8_t* certified);
+};
+
+/// The levels that this processor can run, the widest vectors first; `certify_rows` takes the first.
+std::vector<LagKernelLevel> lag_kernel_levels();

@@ -2,13 +2,23 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
+
+// g++ turns the loops over words into vector code. With everything inlined into one function, two versions of that
+// function are enough; the loader takes the one that suits the processor. clang 14 cannot combine the two attributes.
+#if defined(__x86_64__) && defined(__gnu_linux__) && !defined(__clang__)
+#define WITH_WIDE_VECTORS __attribute__((flatten, target_clones("avx2", "default")))
+#else
+#define WITH_WIDE_VECTORS
+#endif
 
 namespace {
 
-/// Words of one block: the working arrays of a block stay in the nearest cache.
+/// Words of one block: the working arrays of a block stay in the nearest cache. Two words of context stand on either
+/// side: a run that ends in the block may begin in the word before it, and a shift looks one word further.
 constexpr std::size_t block_words = 64;
-constexpr std::size_t padded_words = block_words + 2;  // one word of context on either side
+constexpr std::size_t block_begin = 2;
+constexpr std::size_t block_end = block_begin + block_words;
+constexpr std::size_t padded_words = block_end + 2;
 
 /// Longer runs than this are not told apart: a run of `longest_run` or more is always a candidate.
 constexpr std::int64_t longest_run = 32;
@@ -26,21 +36,27 @@ std::uint64_t behind(const Bits& bits, std::size_t i, unsigned distance) {
   return (bits[i] << distance) | (bits[i - 1] >> 1 >> (63 - distance));
 }
 
+/// Sets the words of the block to those of `from`, with each bit kept only if the one `distance` positions ahead, or
+/// behind, is set in `bits`. `into` and `from` may be one.
 template <bool forward>
-void and_shifted(Bits& into, const Bits& bits, std::int64_t distance) {
+void and_shifted(Bits& into, const Bits& from, const Bits& bits, std::int64_t distance) {
   const auto d = static_cast<unsigned>(distance);
-  for (std::size_t i = 1; i <= block_words; ++i) into[i] &= forward ? ahead(bits, i, d) : behind(bits, i, d);
+  for (std::size_t i = block_begin; i < block_end; ++i) {
+    into[i] = from[i] & (forward ? ahead(bits, i, d) : behind(bits, i, d));
+  }
 }
 
 void or_and(Bits& into, const Bits& a, const Bits& b) {
-  for (std::size_t i = 1; i <= block_words; ++i) into[i] |= a[i] & b[i];
+  for (std::size_t i = block_begin; i < block_end; ++i) into[i] |= a[i] & b[i];
 }
 
-Bits all_ones() {
-  Bits bits;
-  bits.fill(~std::uint64_t{0});
+constexpr Bits make_all_ones() {
+  Bits bits{};
+  for (std::uint64_t& word : bits) word = ~std::uint64_t{0};
   return bits;
 }
+
+constexpr Bits all_ones = make_all_ones();
 
 /// One kind of first step: what it costs, along which lag the walk goes on, how far from the stop the next comparison
 /// lies and for how many comparisons that lag stands for the unit.
@@ -60,145 +76,192 @@ std::array<StepKind, 3> step_kinds(std::int64_t unit_length, const ExtensionRule
            {-rules.indel_score, L - 1, forward ? 0 : 1, reliable(L - 1)}}};
 }
 
+/// So many matches behind a step are enough if the run before the stop has at least so many.
+struct Demand {
+  std::int64_t matches;
+  std::int64_t run;
+};
+
+/// A kind of step and what it demands, by ascending matches and descending runs; nothing where it is never permitted.
+struct StepDemands {
+  StepKind kind;
+  std::vector<Demand> demands;
+};
+
+using Steps = std::array<StepDemands, 3>;
+
 /// Everything that is the same for all blocks of one unit length.
 struct Task {
   const BasePlanes& planes;
   std::int64_t unit_length;
   std::int64_t run_cap;  ///< runs of this length are candidates whatever follows
   ExtensionRules rules;
-
-  std::int64_t cheapest() const { return std::min(-rules.mismatch_score, -rules.indel_score); }
-  bool permitted(const StepKind& kind, std::int64_t run) const { return run - kind.penalty > -unit_length; }
-
-  /// How many bases a step after a run of `run` must match so that the walk gains by it or may take a second step.
-  std::int64_t needed(const StepKind& kind, std::int64_t run) const {
-    return std::min(kind.penalty + 1, 1 - unit_length + kind.penalty + cheapest() - run);
-  }
+  Steps forward_steps;
+  Steps backward_steps;
 };
 
-/// Adds to `survivors` the stops of one direction behind which a step of one kind may lead on. `along` holds the
-/// matches at the kind's lag, with N counted as a match; `runs`[i] tells whether at least i matches lead up to the
-/// stop.
-template <bool forward>
-void add_survivors(const Task& task, const StepKind& kind, const Bits& along, const std::vector<Bits>& runs,
-                   Bits& survivors) {
-  std::vector<std::pair<std::int64_t, std::int64_t>> terms;  // needed matches, run length; ascending in the first
+std::vector<Demand> demands_of(const StepKind& kind, const Task& task) {
+  const std::int64_t cheapest = std::min(-task.rules.mismatch_score, -task.rules.indel_score);
+  std::vector<Demand> demands;
   for (std::int64_t run = task.run_cap - 1; run >= 0; --run) {
-    if (!task.permitted(kind, run)) break;
-    const std::int64_t needed = std::clamp<std::int64_t>(task.needed(kind, run), 0, kind.reliable);
-    if (terms.empty() || terms.back().first != needed) terms.emplace_back(needed, run);
-    terms.back().second = run;  // the shortest run for which this many matches are enough covers the longer ones
+    if (run - kind.penalty <= -task.unit_length) break;  // not permitted, nor after shorter runs
+    // The walk must gain by the step or be able to take a second one.
+    const std::int64_t matches = std::min(kind.penalty + 1, 1 - task.unit_length + kind.penalty + cheapest - run);
+    const std::int64_t demanded = std::clamp<std::int64_t>(matches, 0, kind.reliable);
+    if (demands.empty() || demands.back().matches != demanded) demands.push_back({demanded, run});
+    demands.back().run = run;  // the shortest run for which this many matches are enough covers the longer ones
   }
-  Bits chain = all_ones();
+  return demands;
+}
+
+Steps steps_of(const Task& task, bool forward) {
+  Steps steps;
+  const auto kinds = step_kinds(task.unit_length, task.rules, forward);
+  for (std::size_t i = 0; i < kinds.size(); ++i) steps[i] = {kinds[i], demands_of(kinds[i], task)};
+  return steps;
+}
+
+Task make_task(const BasePlanes& planes, std::int64_t unit_length, std::int64_t minimum_score,
+               const ExtensionRules& rules) {
+  Task task{planes, unit_length, std::min(minimum_score, longest_run), rules, {}, {}};
+  if (rules.maximum_depth == 0) return task;
+  task.forward_steps = steps_of(task, true);
+  task.backward_steps = steps_of(task, false);
+  return task;
+}
+
+/// The working arrays of one block that begins at the word `first_word` of the planes.
+struct Block {
+  std::int64_t first_word;
+  std::array<Bits, 3> matches;         ///< at the lag of each kind of step; the first is the unit length
+  std::array<Bits, longest_run> runs;  ///< [i]: at least i matches lead up to the position
+  Bits survivors;                      ///< stops whose runs are candidates
+  Bits seeds;                          ///< candidates by the position behind their unit
+};
+
+/// Adds the stops of one direction behind which a step of one kind may lead on. `along` holds the matches at the kind's
+/// lag, with N counted as a match.
+template <bool forward>
+void add_survivors(const StepDemands& step, const Bits& along, Block& block) {
+  Bits chain;
+  const Bits* found = &all_ones;
   std::int64_t length = 0;
-  for (const auto& [needed, run] : terms) {
-    for (; length < needed; ++length) and_shifted<forward>(chain, along, kind.offset + length);
-    or_and(survivors, chain, runs[static_cast<std::size_t>(run)]);
+  for (const Demand& demand : step.demands) {
+    for (; length < demand.matches; ++length) {
+      and_shifted<forward>(chain, *found, along, step.kind.offset + length);
+      found = &chain;
+    }
+    or_and(block.survivors, *found, block.runs[static_cast<std::size_t>(demand.run)]);
   }
 }
 
-/// The stops of one direction, in one block, whose runs are candidates.
+/// Adds the stops of one direction whose runs are candidates because of what follows them.
 template <bool forward>
-void find_survivors(const Task& task, std::int64_t first_word, const Bits& matches, Bits& survivors) {
-  std::vector<Bits> runs(1, all_ones());
+void find_survivors(const Task& task, Block& block) {
+  block.runs[0] = all_ones;
   for (std::int64_t run = 1; run < task.run_cap; ++run) {
-    runs.push_back(runs.back());
-    and_shifted<!forward>(runs.back(), matches, run);
+    const auto i = static_cast<std::size_t>(run);
+    and_shifted<!forward>(block.runs[i], block.runs[i - 1], block.matches[0], run);
   }
-  survivors.fill(0);
-  for (const StepKind& kind : step_kinds(task.unit_length, task.rules, forward)) {
+  const Steps& steps = forward ? task.forward_steps : task.backward_steps;
+  for (std::size_t kind = 0; kind < steps.size(); ++kind) {
+    if (steps[kind].demands.empty()) continue;
     Bits along;
-    Bits unknown;
-    task.planes.matches(first_word - 1, padded_words, kind.lag, along.data());
-    task.planes.unknown(first_word - 1, padded_words, forward ? 0 : kind.lag, unknown.data());
-    for (std::size_t i = 0; i < padded_words; ++i) along[i] |= unknown[i];
-    add_survivors<forward>(task, kind, along, runs, survivors);
+    task.planes.unknown(block.first_word - static_cast<std::int64_t>(block_begin), padded_words,
+                        forward ? 0 : steps[kind].kind.lag, along.data());
+    for (std::size_t i = 0; i < padded_words; ++i) along[i] |= block.matches[kind][i];
+    add_survivors<forward>(steps[kind], along, block);
   }
-  for (std::size_t i = 1; i <= block_words; ++i) survivors[i] &= ~matches[i];
+  for (std::size_t i = block_begin; i < block_end; ++i) block.survivors[i] &= ~block.matches[0][i];
 }
 
 /// Adds the stops at which an N ends a run: what lies behind it is left to the extension. Only an N next to another
 /// base ends a run of admissible seeds.
-void add_stops_at_unknown(const Task& task, std::int64_t first_word, bool forward, Bits& survivors) {
+template <bool forward>
+void add_stops_at_unknown(const Task& task, Block& block) {
   Bits unknown;
-  task.planes.unknown(first_word - 1, padded_words, forward ? 0 : task.unit_length, unknown.data());
-  for (std::size_t i = 1; i <= block_words; ++i) {
-    survivors[i] |= unknown[i] & ~(forward ? behind(unknown, i, 1) : ahead(unknown, i, 1));
+  task.planes.unknown(block.first_word - static_cast<std::int64_t>(block_begin), padded_words,
+                      forward ? 0 : task.unit_length, unknown.data());
+  for (std::size_t i = block_begin; i < block_end; ++i) {
+    block.survivors[i] |= unknown[i] & ~(forward ? behind(unknown, i, 1) : ahead(unknown, i, 1));
   }
 }
 
-/// Marks seeds by the position q behind their unit, one bit for each start q - unit length.
-class Marker {
- public:
-  Marker(const char* begin, const char* end, const Task& task, std::vector<std::uint64_t>& candidates)
-      : begin_(begin), size_(end - begin), lag_(task.unit_length), cap_(task.run_cap), candidates_(candidates) {}
+/// Adds the first positions of every stretch of `run_cap` matches.
+void add_long_runs(const Task& task, Block& block) {
+  Bits runs;
+  and_shifted<true>(runs, all_ones, block.matches[0], 0);
+  for (std::int64_t i = 1; i < task.run_cap; ++i) and_shifted<true>(runs, runs, block.matches[0], i);
+  for (std::size_t i = block_begin; i < block_end; ++i) block.seeds[i] |= runs[i];
+}
 
-  /// All seeds of the run that ends before `stop`. Of a long run only the last seeds: the others are marked as such.
-  void mark_run_before(std::int64_t stop) {
-    mark(stop);
-    for (std::int64_t q = stop - 1; q >= stop - cap_ && matches(q); --q) mark(q);
-  }
-
-  /// All seeds of the run that begins after `stop`, or the first ones of a long run.
-  void mark_run_after(std::int64_t stop) {
-    mark(stop + 1);
-    for (std::int64_t q = stop + 1; q <= stop + cap_ && matches(q); ++q) mark(q + 1);
-  }
-
-  /// All seeds that touch the run of `run_cap` matches beginning at `first`.
-  void mark_long_run(std::int64_t first) {
-    for (std::int64_t q = first; q <= first + cap_; ++q) mark(q);
-  }
-
- private:
-  bool matches(std::int64_t q) const {
-    return q >= lag_ && q < size_ && begin_[q] == begin_[q - lag_] && begin_[q] != 'N';
-  }
-
-  void mark(std::int64_t q) {
-    const std::int64_t p = q - lag_;
-    if (p < 0 || q >= size_) return;  // a seed must end before the last base
-    candidates_[static_cast<std::size_t>(p / 64)] |= std::uint64_t{1} << (p % 64);
-  }
-
-  const char* begin_;
-  std::int64_t size_;
-  std::int64_t lag_;
-  std::int64_t cap_;
-  std::vector<std::uint64_t>& candidates_;
-};
-
-/// Calls `visit` with the position of every set bit of the block.
-template <typename Visit>
-void for_each_bit(const Bits& bits, std::int64_t first_word, Visit visit) {
-  for (std::size_t i = 1; i <= block_words; ++i) {
-    const std::int64_t base = (first_word + static_cast<std::int64_t>(i) - 1) * 64;
-    for (std::uint64_t rest = bits[i]; rest != 0; rest &= rest - 1) visit(base + __builtin_ctzll(rest));
+/// Fills up the run of every seed, from its first match to the stop behind it. Distances double and add up to `run_cap`
+/// or more; of longer runs all seeds are there already.
+void fill_runs(const Task& task, Block& block) {
+  Bits& seeds = block.seeds;
+  Bits run = block.matches[0];  // as many matches as the distance, from the position on
+  Bits last = {};               // seeds behind which that many matches follow
+  for (std::int64_t distance = 1; distance <= task.run_cap; distance *= 2) {
+    const auto d = static_cast<unsigned>(distance);
+    for (std::size_t i = 1; i + 1 < padded_words; ++i) last[i] = seeds[i] & run[i];
+    for (std::size_t i = 1; i + 1 < padded_words; ++i) seeds[i] |= (ahead(seeds, i, d) & run[i]) | behind(last, i, d);
+    for (std::size_t i = 0; i + 1 < padded_words; ++i) run[i] &= ahead(run, i, d);
   }
 }
 
-/// The first positions of every stretch of `run_cap` matches.
-Bits long_runs(const Task& task, const Bits& matches) {
-  Bits runs = all_ones();
-  for (std::int64_t i = 0; i < task.run_cap; ++i) and_shifted<true>(runs, matches, i);
-  return runs;
+/// Marks the starts of the seeds. `size` is the length of the sequence; a seed must end before its last base.
+void mark_starts(const Task& task, const Block& block, std::int64_t size, std::vector<std::uint64_t>& candidates) {
+  const auto mark = [&candidates](std::int64_t word, std::uint64_t bits) {
+    if (word >= 0 && word < static_cast<std::int64_t>(candidates.size()))
+      candidates[static_cast<std::size_t>(word)] |= bits;
+  };
+  for (std::size_t i = 1; i + 1 < padded_words; ++i) {
+    const std::int64_t first = (block.first_word + static_cast<std::int64_t>(i - block_begin)) * 64;
+    if (block.seeds[i] == 0 || first >= size) continue;
+    const std::uint64_t inside = ~std::uint64_t{0} >> (64 - std::min<std::int64_t>(64, size - first));
+    const std::uint64_t seeds = block.seeds[i] & inside;
+    const std::int64_t back = (task.unit_length + 63) / 64;  // words
+    const auto up = static_cast<unsigned>(64 * back - task.unit_length);
+    mark(first / 64 - back, seeds << up);
+    mark(first / 64 - back + 1, seeds >> 1 >> (63 - up));
+  }
 }
 
-void mark_block(const Task& task, std::int64_t first_word, Marker& marker) {
-  Bits matches;
-  task.planes.matches(first_word - 1, padded_words, task.unit_length, matches.data());
-  for_each_bit(long_runs(task, matches), first_word, [&](std::int64_t q) { marker.mark_long_run(q); });
+/// Adds the seeds whose run ends at a survivor.
+template <bool forward>
+void add_runs_of_survivors(const Task& task, Block& block) {
+  block.survivors.fill(0);
+  if (task.rules.maximum_depth > 0) find_survivors<forward>(task, block);
+  add_stops_at_unknown<forward>(task, block);
+  // The stop before a run is one position before the seed of its first match.
+  const Bits& stops = block.survivors;
+  for (std::size_t i = 1; i + 1 < padded_words; ++i) block.seeds[i] |= forward ? stops[i] : behind(stops, i, 1);
+}
 
-  Bits survivors;
-  survivors.fill(0);
-  if (task.rules.maximum_depth > 0) find_survivors<true>(task, first_word, matches, survivors);
-  add_stops_at_unknown(task, first_word, true, survivors);
-  for_each_bit(survivors, first_word, [&](std::int64_t q) { marker.mark_run_before(q); });
+void mark_block(const Task& task, Block& block, std::int64_t size, std::vector<std::uint64_t>& candidates) {
+  const std::int64_t first_word = block.first_word - static_cast<std::int64_t>(block_begin);
+  for (std::size_t kind = 0; kind < block.matches.size(); ++kind) {
+    if (kind > 0 && task.forward_steps[kind].demands.empty()) continue;
+    const std::int64_t lag = kind == 0 ? task.unit_length : task.forward_steps[kind].kind.lag;
+    task.planes.matches(first_word, padded_words, lag, block.matches[kind].data());
+  }
+  block.seeds.fill(0);
+  add_long_runs(task, block);
+  add_runs_of_survivors<true>(task, block);
+  add_runs_of_survivors<false>(task, block);
+  const auto is_set = [](std::uint64_t word) { return word != 0; };
+  if (std::none_of(block.seeds.begin(), block.seeds.end(), is_set)) return;
+  fill_runs(task, block);
+  mark_starts(task, block, size, candidates);
+}
 
-  survivors.fill(0);
-  if (task.rules.maximum_depth > 0) find_survivors<false>(task, first_word, matches, survivors);
-  add_stops_at_unknown(task, first_word, false, survivors);
-  for_each_bit(survivors, first_word, [&](std::int64_t q) { marker.mark_run_after(q); });
+WITH_WIDE_VECTORS
+void mark_blocks(const Task& task, std::int64_t size, std::vector<std::uint64_t>& candidates) {
+  const auto words = static_cast<std::int64_t>(candidates.size());
+  Block block;
+  for (block.first_word = 0; block.first_word < words; block.first_word += static_cast<std::int64_t>(block_words)) {
+    mark_block(task, block, size, candidates);
+  }
 }
 
 }  // namespace
@@ -215,10 +278,5 @@ bool SeedFilter::is_useful(std::int64_t unit_length, std::int64_t minimum_score,
 void SeedFilter::mark_candidates(std::int64_t unit_length, std::int64_t minimum_score, const ExtensionRules& rules,
                                  std::vector<std::uint64_t>& candidates) const {
   candidates.assign(planes_.words(), 0);
-  const Task task{planes_, unit_length, std::min(minimum_score, longest_run), rules};
-  Marker marker(begin_, end_, task, candidates);
-  const auto words = static_cast<std::int64_t>(planes_.words());
-  for (std::int64_t word = 0; word < words; word += static_cast<std::int64_t>(block_words)) {
-    mark_block(task, word, marker);
-  }
+  mark_blocks(make_task(planes_, unit_length, minimum_score, rules), bases_, candidates);
 }

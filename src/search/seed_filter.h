@@ -11,8 +11,7 @@
 class SeedFilter {
  public:
   /// `sequence` is the half-open range that `planes` was made of.
-  SeedFilter(const BasePlanes& planes, const char* begin, const char* end)
-      : planes_(planes), begin_(begin), end_(end) {}
+  SeedFilter(const BasePlanes& planes, const char* begin, const char* end) : planes_(planes), bases_(end - begin) {}
 
   /// Whether the filter can reject seeds of this unit length at all.
   static bool is_useful(std::int64_t unit_length, std::int64_t minimum_score, const ExtensionRules& rules);
@@ -24,6 +23,5 @@ class SeedFilter {
 
  private:
   const BasePlanes& planes_;
-  const char* begin_;
-  const char* end_;
+  std::int64_t bases_;
 };

@@ -50,7 +50,8 @@ TEST_F(ExtendExactTest, TheLengthTestLeavesInsertionsOut) {
 }
 
 // A seed that passes the seeds' thresholds but not the user's does not block the other phases of its unit.
-TEST_F(ExtendExactTest, ASeedBelowTheUsersThresholdIsFoundInEveryPhase) {
+TEST_F(ExtendExactTest, ASeedBelowTheUsersThresholdIsFoundInEveryPhaseIfAllRepeatsAreKept) {
+  global_remove_mostly_hidden = false;
   global_mismatch_score = -2;
   global_min_score = 7;
   unit_lengths(2, 2);
@@ -58,6 +59,23 @@ TEST_F(ExtendExactTest, ASeedBelowTheUsersThresholdIsFoundInEveryPhase) {
   EXPECT_THAT(records, testing::Contains("[0,18) AC score 13 1 mis").Times(4));  // from 0, 2, 4 and 6
   EXPECT_THAT(records, testing::Contains("[0,18) CA score 13 1 mis").Times(4));  // from 1, 3, 5 and 9
   EXPECT_EQ(records.size(), 8U);
+}
+
+// The overlap removal would keep only the first of them.
+TEST_F(ExtendExactTest, ASeedBelowTheUsersThresholdIsFoundInOnePhaseOtherwise) {
+  global_mismatch_score = -2;
+  global_min_score = 7;
+  unit_lengths(2, 2);
+  EXPECT_THAT(extended("ACACACACGCACACACAC"),
+              ElementsAre("[0,18) AC score 13 1 mis", "[0,18) CA score 13 1 mis"));  // from 0 and 9
+}
+
+// The unit of a seed before the N and of one behind it may differ in what they say of the N's place.
+TEST_F(ExtendExactTest, SeedsOfARepeatWithNAreAllTried) {
+  global_mismatch_score = -2;
+  global_min_score = 12;
+  unit_lengths(2, 2);
+  EXPECT_THAT(extended("ACACACNCACACGCACACAC"), testing::Contains(testing::EndsWith("1 mis 1 N")).Times(10));
 }
 
 TEST_F(ExtendExactTest, LeavesNoExactRepeatBehind) {

@@ -3,7 +3,6 @@
 #include "search/lag_kernel.h"
 
 #include <gmock/gmock.h>
-#include <hwy/targets.h>
 
 #include <algorithm>
 #include <random>
@@ -95,15 +94,15 @@ std::vector<char> make_bases(std::size_t size, std::size_t inside, unsigned seed
   return bases;
 }
 
-void compare_with_plain_programme(std::int64_t first, std::int64_t last, std::uint16_t indel, std::int64_t decided,
-                                  unsigned seed) {
+void compare_with_plain_programme(const LagKernelLevel& level, std::int64_t first, std::int64_t last,
+                                  std::uint16_t indel, std::int64_t decided, unsigned seed) {
   const LagTask task = make_task(first, last, indel);
   const std::int64_t highest = decided + last;
   const std::size_t size = static_cast<std::size_t>(highest + task.first_lag) + task.lanes + 64;
   const std::vector<char> bases = make_bases(size, size - 100, seed);
   const LagRows rows{bases.data(), highest, 0, decided};
   std::vector<std::uint8_t> certified(static_cast<std::size_t>(decided) * task.lanes / 8);
-  certify_rows(task, rows, certified.data());
+  level.certify(task, rows, certified.data());
 
   const PlainProgramme plain(task, rows);
   for (std::int64_t x = 0; x < decided; ++x) {
@@ -115,26 +114,27 @@ void compare_with_plain_programme(std::int64_t first, std::int64_t last, std::ui
   }
 }
 
-class LagKernelTest : public testing::TestWithParam<std::int64_t> {
- protected:
-  void SetUp() override { hwy::SetSupportedTargetsForTest(GetParam()); }
-  void TearDown() override { hwy::SetSupportedTargetsForTest(0); }
-};
+using LagKernelTest = testing::TestWithParam<LagKernelLevel>;
 
 // Unit lengths round the widths of the vectors, and round 112, where values stop fitting 8 bits.
 TEST_P(LagKernelTest, EqualsThePlainProgramme) {
   unsigned seed = 0;
   for (const std::int64_t first : {8, 15, 16, 17, 31, 33}) {
-    compare_with_plain_programme(first, first + first / 2, 4, 24, ++seed);
+    compare_with_plain_programme(GetParam(), first, first + first / 2, 4, 24, ++seed);
   }
-  for (const std::int64_t last : {63, 64, 65}) compare_with_plain_programme(last - 3, last, 6, 6, ++seed);
-  for (const std::int64_t last : {114, 115, 116}) compare_with_plain_programme(last - 1, last, 3, 3, ++seed);
+  for (const std::int64_t last : {63, 64, 65}) compare_with_plain_programme(GetParam(), last - 3, last, 6, 6, ++seed);
+  for (const std::int64_t last : {114, 115, 116})
+    compare_with_plain_programme(GetParam(), last - 1, last, 3, 3, ++seed);
 }
 
-std::string level_name(const testing::TestParamInfo<std::int64_t>& level) {
-  return hwy::TargetName(level.param);
+std::string level_name(const testing::TestParamInfo<LagKernelLevel>& level) {
+  return level.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, LagKernelTest, testing::ValuesIn(hwy::SupportedAndGeneratedTargets()), level_name);
+INSTANTIATE_TEST_SUITE_P(Levels, LagKernelTest, testing::ValuesIn(lag_kernel_levels()), level_name);
+
+TEST(LagKernelLevelsTest, EveryProcessorHasTheLastOne) {
+  EXPECT_STREQ(lag_kernel_levels().back().name, "baseline");
+}
 
 }  // namespace

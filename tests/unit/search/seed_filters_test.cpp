@@ -78,6 +78,71 @@ TEST_F(SeedFiltersTest, TheSeedFilterRejectsNoSeedThatReachesTheScore) {
   EXPECT_GT(decided, 0U);
 }
 
+/// In a sequence without N, what the filter must say of each seed with depth zero: 'c' a candidate, for its exact
+/// repeat reaches the score; '-' none; '?' either, for its repeat touches an end of the sequence, where an N might
+/// stand.
+std::string verdicts_on_exact_repeats(const std::string& bases, std::int64_t unit_length, std::int64_t minimum_score) {
+  const auto size = static_cast<std::int64_t>(bases.size());
+  const auto matches = [&](std::int64_t q) {
+    return q >= unit_length && q < size &&
+           bases[static_cast<std::size_t>(q)] == bases[static_cast<std::size_t>(q - unit_length)];
+  };
+  std::string verdicts;
+  for (std::int64_t q = unit_length; q < size; ++q) {
+    std::int64_t begin = q;
+    std::int64_t end = q;
+    while (matches(begin - 1)) --begin;
+    while (matches(end)) ++end;
+    const bool at_an_end = begin == unit_length || end == size;
+    verdicts += end - begin >= minimum_score ? 'c' : at_an_end ? '?' : '-';
+  }
+  return verdicts;
+}
+
+// Words have 64 bases and blocks 4096; a run may lie across either limit, and the sequence may end there.
+TEST_F(SeedFiltersTest, WithDepthZeroTheSeedFilterMarksTheExactRepeatsOfTheScore) {
+  ExtensionRules exact = rules();
+  exact.maximum_depth = 0;
+  unsigned number = 0;
+  for (const std::size_t size : {1, 2, 63, 64, 65, 127, 128, 129, 4095, 4096, 4097, 4159, 4160, 4161, 8192, 8193}) {
+    for (const std::int64_t minimum_score : {1, 2, 6, 31, 32}) {
+      std::string bases = bases_with_repeats(++number, size, 20);
+      std::replace(bases.begin(), bases.end(), 'N', 'A');
+      const test::Sequence sequence(bases);
+      const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
+      for (const std::int64_t unit_length : {1, 2, 6, 63, 64, 65}) {
+        Bits bits;
+        SeedFilter(planes, sequence.mol.begin(), sequence.mol.end())
+            .mark_candidates(unit_length, minimum_score, exact, bits);
+        const std::string expected = verdicts_on_exact_repeats(bases, unit_length, minimum_score);
+        std::string verdicts;
+        for (std::size_t p = 0; p < expected.size(); ++p) {
+          const bool candidate = marked(bits, static_cast<std::int64_t>(p));
+          verdicts += expected[p] == '?' ? '?' : candidate ? 'c' : '-';
+        }
+        ASSERT_EQ(verdicts, expected) << size << " bases, unit length " << unit_length << ", score " << minimum_score;
+        for (std::size_t p = expected.size(); p < 64 * bits.size(); ++p) {
+          ASSERT_FALSE(marked(bits, static_cast<std::int64_t>(p))) << "a seed that ends at or behind the last base";
+        }
+      }
+    }
+  }
+}
+
+TEST_F(SeedFiltersTest, RunsAcrossABlockLimitAreCandidates) {
+  unsigned number = 100;
+  for (const std::size_t size : {4095, 4096, 4097, 4170}) {
+    test::Sequence sequence(bases_with_repeats(number += 2, size, 8));
+    const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
+    for (std::int64_t unit_length = 2; unit_length <= 6; ++unit_length) {
+      Bits bits;
+      SeedFilter(planes, sequence.mol.begin(), sequence.mol.end()).mark_candidates(unit_length, 6, rules(), bits);
+      ASSERT_THAT(wrongly_rejected(sequence, unit_length, 6, bits), testing::IsEmpty())
+          << size << " bases, unit length " << unit_length;
+    }
+  }
+}
+
 TEST_F(SeedFiltersTest, TheSeedFilterRejectsMostSeedsOfRandomBases) {
   std::mt19937 random(1);
   std::string bases;

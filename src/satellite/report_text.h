@@ -1,0 +1,71 @@
+#pragma once
+
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+/// Text on its way into a stream, put together in a buffer of its own: where repeats are many, the format strings of
+/// the stream functions cost more than the search.
+///
+/// What was put in is lost unless `flush` is called at the end. A failed write is left to the stream's error indicator.
+class ReportText {
+ public:
+  static constexpr std::size_t buffer_size = 4096;
+
+  explicit ReportText(std::FILE* out) : out_(out) {}
+  ReportText(const ReportText&) = delete;
+  ReportText& operator=(const ReportText&) = delete;
+
+  void put(std::string_view bytes) {
+    if (bytes.size() > buffer_size - used_) flush();
+    if (bytes.size() > buffer_size) {
+      std::fwrite(bytes.data(), 1, bytes.size(), out_);
+      return;
+    }
+    std::memcpy(buffer_.data() + used_, bytes.data(), bytes.size());
+    used_ += bytes.size();
+  }
+
+  void put(char c) { put(std::string_view(&c, 1)); }
+
+  /// Right-aligned in `width` columns, or wider; as "%*s".
+  void put_aligned(std::string_view bytes, std::size_t width) {
+    for (std::size_t i = bytes.size(); i < width; ++i) put(' ');
+    put(bytes);
+  }
+
+  /// As "%*d".
+  void put_number(std::int64_t number, std::size_t width = 0) {
+    std::array<char, 20> digits;
+    const auto result = std::to_chars(digits.begin(), digits.end(), number);
+    put_aligned({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())}, width);
+  }
+
+  /// As "%*.3f". Room for any ratio of two 64-bit numbers in percent.
+  void put_fixed_3(double number, std::size_t width) {
+    std::array<char, 40> digits;
+    const auto result = std::to_chars(digits.begin(), digits.end(), number, std::chars_format::fixed, 3);
+    put_aligned({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())}, width);
+  }
+
+  /// Gives everything to the stream.
+  void flush() {
+    if (used_ > 0) std::fwrite(buffer_.data(), 1, used_, out_);
+    used_ = 0;
+  }
+
+  /// The same, and has the stream write it.
+  void flush_stream() {
+    flush();
+    std::fflush(out_);
+  }
+
+ private:
+  std::FILE* out_;
+  std::size_t used_ = 0;
+  std::array<char, buffer_size> buffer_;
+};
