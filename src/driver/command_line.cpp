@@ -77,6 +77,7 @@ struct Options {
   FileOption tsv;
   FileOption jsonl;
   TCLAP::SwitchArg progress;
+  IntOption threads;
   IntOption flanking;
   FloatOption minPerfection;
   TCLAP::SwitchArg dontRemoveMostlyOverlapping;
@@ -152,6 +153,9 @@ Options::Options(TCLAP::CmdLine& cmd)
                "Shows on the terminal how far the search has come: bases done, share of the input file, bases per "
                "second and time left. Nothing is shown if standard error is not a terminal.",
                cmd, global_show_progress),
+      threads("", "threads",
+              "The number of threads that search. 0: one for each processor. The result is the same. Default: 1.", false,
+              global_threads, "int", cmd),
       flanking("f", "flanking",
                "If the satellite sequence is printed, this is the number of flanking nucleotides to be printed to the "
                "left and right of it. Default: 0",
@@ -226,6 +230,7 @@ void store_values(Options& options) {
   global_tsv_filename = options.tsv.getValue();
   global_jsonl_filename = options.jsonl.getValue();
   global_show_progress = options.progress.getValue();
+  global_threads = options.threads.getValue();
   const std::string& mode = options.searchMode.getValue();
   global_search_mode = mode == "exact" ? 0 : mode == "extendExact" ? 1 : 2;
 }
@@ -321,6 +326,7 @@ const char* implausible_setting() {
     return "I think you have made a mistake here: The maximum unit length must be greater\n"
            "or equal to the minimum unit length.\n";
   }
+  if (global_threads < 0) return "Sorry, the number of threads must not be negative.\n";
   return nullptr;
 }
 

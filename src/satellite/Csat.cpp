@@ -84,20 +84,29 @@ Csat_garbagecollector::~Csat_garbagecollector() {
 
 Csat* Csat_garbagecollector::take(const char* begin, const char* end) {
   Csat* sat = nullptr;
-  if (spare.empty()) {
-    sat = new Csat;
-  } else {
-    sat = spare.back();
-    spare.pop_back();
+  {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (!spare.empty()) {
+      sat = spare.back();
+      spare.pop_back();
+    }
   }
+  if (sat == nullptr) sat = new Csat;
   sat->seed(begin, end);
   return sat;
 }
 
+std::size_t Csat_garbagecollector::size() const {
+  const std::lock_guard<std::mutex> lock(mutex);
+  return spare.size();
+}
+
 void Csat_garbagecollector::give_back(Csat* sat) {
+  const std::lock_guard<std::mutex> lock(mutex);
   spare.push_back(sat);
 }
 
 void Csat_garbagecollector::give_back_all(std::list<Csat*>& sats) {
+  const std::lock_guard<std::mutex> lock(mutex);
   spare.splice(spare.end(), sats);
 }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <list>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -87,7 +89,7 @@ extern const char* const REPEAT_NAMES[7];
 bool lessThan_sat(const Csat* a, const Csat* b);
 
 /// The pool of spare records, last in, first out, so that the record with the warmest event buffer is used first.
-/// Owns the records that lie in it.
+/// Owns the records that lie in it. Threads may share it.
 class Csat_garbagecollector {
  public:
   Csat_garbagecollector() = default;
@@ -104,10 +106,17 @@ class Csat_garbagecollector {
   /// Moves all records of `sats` to the end of the pool, in their order.
   void give_back_all(std::list<Csat*>& sats);
 
-  std::size_t size() const { return spare.size(); }
+  std::size_t size() const;
 
  private:
+  mutable std::mutex mutex;
   std::list<Csat*> spare;
 };
 
 extern Csat_garbagecollector sat_alloc;
+
+/// A record that goes back to the pool unless it is released.
+struct GiveBackSat {
+  void operator()(Csat* sat) const { sat_alloc.give_back(sat); }
+};
+using OwnedSat = std::unique_ptr<Csat, GiveBackSat>;

@@ -61,7 +61,8 @@ class fastvector {
     auto* const grown = static_cast<T*>(std::malloc(new_capacity * sizeof(T)));
     if (grown == nullptr) {
       std::puts("Program aborded due to failed realloc!");
-      std::exit(0);
+      std::fflush(nullptr);
+      std::_Exit(0);  // other threads may be at work: nothing is torn down under them
     }
     for (std::size_t i = 0; i < size; ++i) new (grown + i) T(std::move(buffer[i]));
     std::free(static_cast<void*>(buffer));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "satellite/Csat.h"
@@ -35,42 +36,57 @@ class CAnchorSeq {
     return (mask[bit / 64] >> (bit % 64) & 1) != 0;
   }
 
-  /// Takes the positions of a kept repeat out, then frees those of its events.
-  void cover(const Csat& sat) {
-    clear_bits(bit_of(sat.pos_left), bit_of(sat.pos_right_end));
-    for (const Csat::Event& event : sat.missense) {
-      const std::size_t bit = bit_of(event.first);
-      mask[bit / 64] |= std::uint64_t{1} << (bit % 64);
-    }
+  /// The state of a part of the sequence, as a mask of its own that knows nothing of the rest: `words` times 64
+  /// positions from base 64 * `first_word` on, and one before it.
+  CAnchorSeq part(std::size_t first_word, std::size_t words) const {
+    const std::size_t end = std::min(first_word + words + 1, mask.size());
+    return CAnchorSeq(seq_begin + 64 * first_word,
+                      std::vector<std::uint64_t>(mask.begin() + offset(first_word), mask.begin() + offset(end)));
   }
 
-  /// Frees the positions of events that the record's list does not hold.
+  /// Takes the positions of a kept repeat out, then frees those of its events.
+  void cover(const Csat& sat) {
+    clear_bits(std::max<std::ptrdiff_t>(0, sat.pos_left - seq_begin + 1),
+               std::min<std::ptrdiff_t>(bits(), sat.pos_right_end - seq_begin + 1));
+    for (const Csat::Event& event : sat.missense) free(event.first - seq_begin + 1);
+  }
+
+  /// Frees the positions of events that the record's list does not hold. `first_base` is the sequence's.
   template <bool forward>
-  void free_events(const GuidedStretch<forward>& stretch) {
-    for (std::size_t i = stretch.first; i < stretch.end; ++i) {
-      const auto bit = static_cast<std::size_t>(stretch.guide->stops()[i].event_position() + 1);
-      mask[bit / 64] |= std::uint64_t{1} << (bit % 64);
-    }
+  void free_events(const GuidedStretch<forward>& stretch, const char* first_base) {
+    const std::ptrdiff_t here = first_base - seq_begin + 1;
+    for (std::size_t i = stretch.first; i < stretch.end; ++i) free(here + stretch.guide->stops()[i].event_position());
   }
 
  private:
+  CAnchorSeq(const char* begin, std::vector<std::uint64_t> state) : seq_begin(begin), mask(std::move(state)) {}
+
+  static std::ptrdiff_t offset(std::size_t word) { return static_cast<std::ptrdiff_t>(word); }
+
+  std::ptrdiff_t bits() const { return static_cast<std::ptrdiff_t>(64 * mask.size()); }
+
   /// The sentinel before the first base has bit 0.
   std::size_t bit_of(const char* p) const { return static_cast<std::size_t>(p - seq_begin + 1); }
 
-  /// Half-open range of bits, not empty.
-  void clear_bits(std::size_t first, std::size_t end) {
-    const std::size_t first_word = first / 64;
-    const std::size_t last_word = (end - 1) / 64;
+  void free(std::ptrdiff_t bit) {
+    if (bit >= 0 && bit < bits()) mask[static_cast<std::size_t>(bit / 64)] |= std::uint64_t{1} << (bit % 64);
+  }
+
+  /// Half-open range of bits.
+  void clear_bits(std::ptrdiff_t first, std::ptrdiff_t end) {
+    if (first >= end) return;
+    const std::ptrdiff_t first_word = first / 64;
+    const std::ptrdiff_t last_word = (end - 1) / 64;
     const std::uint64_t from_first = ~std::uint64_t{0} << (first % 64);
     const std::uint64_t to_last = ~std::uint64_t{0} >> (63 - (end - 1) % 64);
+    const auto word = [this](std::ptrdiff_t number) { return mask.begin() + number; };
     if (first_word == last_word) {
-      mask[first_word] &= ~(from_first & to_last);
+      *word(first_word) &= ~(from_first & to_last);
       return;
     }
-    mask[first_word] &= ~from_first;
-    std::fill(mask.begin() + static_cast<std::ptrdiff_t>(first_word) + 1,
-              mask.begin() + static_cast<std::ptrdiff_t>(last_word), std::uint64_t{0});
-    mask[last_word] &= ~to_last;
+    *word(first_word) &= ~from_first;
+    std::fill(word(first_word + 1), word(last_word), std::uint64_t{0});
+    *word(last_word) &= ~to_last;
   }
 
   const char* seq_begin;

@@ -4,9 +4,10 @@
 
 #include "search/progress_line.h"
 #include "search/run_status.h"
+#include "search/seed_filter.h"
 #include "sequence/global-types-and-parameters.h"
 
-CSearchController::CSearchController(unsigned number, CSequence_Mol& sequence)
+CSearchController::CSearchController(unsigned number, CSequence_Mol& sequence, unsigned threads)
     : sequence_number(number),
       seq(sequence),
       minScores(&minScores_user),
@@ -18,8 +19,14 @@ CSearchController::CSearchController(unsigned number, CSequence_Mol& sequence)
       rules{global_mismatch_score, global_indel_score, global_maximum_recursion_depth, global_Ns_allowed_in_a_row,
             global_treat_Ns_as_missense},
       planes(sequence.begin(), sequence.end()),
-      forward_aids(sequence.begin(), sequence.end()),
-      backward_aids(sequence.begin(), sequence.end()) {}
+      workers(threads),
+      growth_aids(workers.count()) {}
+
+GrowthAids& CSearchController::aids_of(unsigned worker) const {
+  std::unique_ptr<GrowthAids>& aids = growth_aids[worker];
+  if (!aids) aids = std::make_unique<GrowthAids>(seq.begin(), seq.end());
+  return *aids;
+}
 
 bool CSearchController::passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths) {
   const std::int64_t u = sat.unit_length();
@@ -50,6 +57,23 @@ std::int64_t CSearchController::longest_unit() const {
 
 std::int64_t CSearchController::unit_lengths() const {
   return std::max<std::int64_t>(0, longest_unit() - global_min_unit_length + 1);
+}
+
+CandidateSet CSearchController::find_candidates(std::int64_t unit_length, std::int64_t depth) {
+  const std::int64_t minimum_score = (*minScores)[unit_length];
+  const std::int64_t seeds = seq.end() - seq.begin() - unit_length;
+  // No more bases than these lie outside the unit, each worth +1 at most.
+  if (seeds <= 0 || seeds < minimum_score) return {};
+  if (unit_length >= lag_range_first && unit_length <= lag_range_last) {
+    return {seeds, &lag_candidates[static_cast<std::size_t>(unit_length - lag_range_first)]};
+  }
+  ExtensionRules scan_rules = rules;
+  scan_rules.maximum_depth = depth;
+  if (!SeedFilter::is_useful(unit_length, minimum_score, scan_rules)) return {seeds, nullptr};
+  SeedFilter(planes, seq.begin(), seq.end())
+      .mark_candidates(unit_length, minimum_score, scan_rules, candidates, workers);
+  if (minScores == &minScores_intern) drop_seeds_that_cannot_grow(unit_length);
+  return {seeds, &candidates};
 }
 
 bool CSearchController::valid_starting_pattern(const char* begin, const char* end, const char* next_N) {

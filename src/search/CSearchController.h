@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <functional>
 #include <list>
+#include <memory>
 #include <vector>
 
 #include "satellite/Csat.h"
@@ -12,6 +13,7 @@
 #include "search/front.h"
 #include "search/thresholds.h"
 #include "search/walk_aids.h"
+#include "search/workers.h"
 #include "sequence/CSequence_Mol.h"
 
 /// A result list. Its records go back to the pool when it is destroyed.
@@ -24,6 +26,20 @@ struct CsatContainer {
   ~CsatContainer() { sat_alloc.give_back_all(sats); }
 };
 
+/// The seeds of one unit length that must be tried, by their starts.
+struct CandidateSet {
+  std::int64_t seeds = 0;  ///< every start is below; 0-based
+  /// Bit p % 64 of word p / 64 for the start p; null: all of them. Not owned.
+  const std::vector<std::uint64_t>* bits = nullptr;
+
+  std::size_t words() const { return static_cast<std::size_t>((seeds + 63) / 64); }
+  std::uint64_t word(std::size_t number) const {
+    const std::int64_t rest = seeds - 64 * static_cast<std::int64_t>(number);
+    const std::uint64_t inside = rest >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << rest) - 1;
+    return bits == nullptr ? inside : (*bits)[number] & inside;
+  }
+};
+
 /// The search of one sequence: built over a record, searched once in one mode, reported, destroyed before the next
 /// record is read. Every position in a record found here points into `seq`.
 class CSearchController {
@@ -33,7 +49,8 @@ class CSearchController {
   CsatContainer exact_sats;      ///< result of the exact search
   CsatContainer imperfect_sats;  ///< result of the two imperfect searches
 
-  CSearchController(unsigned number, CSequence_Mol& sequence);
+  /// `threads` is how many the search may use, at least one. The result is the same with any number.
+  CSearchController(unsigned number, CSequence_Mol& sequence, unsigned threads = 1);
   CSearchController(const CSearchController&) = delete;
   CSearchController& operator=(const CSearchController&) = delete;
 
@@ -87,6 +104,8 @@ class CSearchController {
   const ThresholdTable* minLengths;
 
  private:
+  friend class ImperfectPass;
+
   /// score >= minScores and normalised length >= minLengths, in the given tables.
   static bool passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths);
   bool is_accepted(const Csat& sat) const { return passes(sat, *minScores, *minLengths); }
@@ -113,7 +132,9 @@ class CSearchController {
   void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found);
   void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found);
   /// Grows the seed both ways, trims it and tests it. Long stretches of events may be left untold.
-  bool grow_imperfect(Csat& seed) const;
+  bool grow_imperfect(Csat& seed, GrowthAids& aids) const;
+  /// What the growth of one worker remembers.
+  GrowthAids& aids_of(unsigned worker) const;
 
   /// Lets go of the events of a kept repeat that has many: in a satellite array thousands of repeats, most of which the
   /// overlap removal will drop, may each hold the events of the whole array.
@@ -121,18 +142,19 @@ class CSearchController {
   /// Grows the repeat anew from its unit, if events were dropped.
   void find_dropped_events(Csat& sat) const;
 
-  void prepare_candidates(std::int64_t unit_length);
-  void keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const;
+  /// Grows the first of the seeds of mode "extendExact" and moves them to the result or back to the pool.
+  void grow_some_seeds(std::list<Csat*>& seeds);
 
-  /// Calls `try_seed` with the start of every seed of this unit length that may reach the active minimum score with at
-  /// most `depth` steps of lookahead, in ascending order, and lets the run status report.
+  void prepare_candidates(std::int64_t unit_length);
+
+  /// The seeds of this unit length that may reach the active minimum score with at most `depth` steps of lookahead.
+  CandidateSet find_candidates(std::int64_t unit_length, std::int64_t depth);
+  /// Calls `try_seed` with the start of each of them, in ascending order, and lets the run status report.
   template <typename TrySeed>
   void for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed);
   /// Takes out of `candidates` what the imperfect extension cannot bring to the user's minimum score. Such a seed would
   /// be found and given back; it could not block another one either.
   void drop_seeds_that_cannot_grow(std::int64_t unit_length);
-  template <typename TrySeed>
-  void for_each_set_bit(const std::vector<std::uint64_t>& bits, std::int64_t unit_length, TrySeed try_seed);
 
   ThresholdTable minScores_user;
   ThresholdTable minLengths_user;
@@ -140,11 +162,8 @@ class CSearchController {
   ThresholdTable minLengths_intern;
   ExtensionRules rules;
   BasePlanes planes;
-  mutable WalkAids<true> forward_aids;  ///< only speed the extension up
-  mutable WalkAids<false> backward_aids;
-  /// Of the record grown last: stretches whose events are not in its list.
-  mutable std::vector<GuidedStretch<true>> forward_untold;
-  mutable std::vector<GuidedStretch<false>> backward_untold;
+  Workers workers;
+  mutable std::vector<std::unique_ptr<GrowthAids>> growth_aids;  ///< one for each worker, made when it is needed
   bool exact_first = false;  ///< records were extended exactly before the imperfect extension
   std::vector<std::uint64_t> candidates;
   /// Candidates of the unit lengths that the lag filter has decided, an inclusive range; none if last < first.

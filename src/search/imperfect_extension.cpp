@@ -306,16 +306,16 @@ class ImperfectWalk {
 }  // namespace
 
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* seq_end) const {
-  ImperfectWalk<true>(sat, seq_end, rules, planes, seq.begin(), forward_aids, nullptr).run();
+  ImperfectWalk<true>(sat, seq_end, rules, planes, seq.begin(), aids_of(0).forward, nullptr).run();
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_limit) const {
-  ImperfectWalk<false>(sat, left_limit + 1, rules, planes, seq.begin(), backward_aids, nullptr).run();
+  ImperfectWalk<false>(sat, left_limit + 1, rules, planes, seq.begin(), aids_of(0).backward, nullptr).run();
 }
 
-bool CSearchController::grow_imperfect(Csat& seed) const {
-  ImperfectWalk<true>(seed, seq.end(), rules, planes, seq.begin(), forward_aids, &forward_untold).run();
-  ImperfectWalk<false>(seed, seq.begin(), rules, planes, seq.begin(), backward_aids, &backward_untold).run();
+bool CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids) const {
+  ImperfectWalk<true>(seed, seq.end(), rules, planes, seq.begin(), aids.forward, &aids.forward.untold).run();
+  ImperfectWalk<false>(seed, seq.begin(), rules, planes, seq.begin(), aids.backward, &aids.backward.untold).run();
   seed.remove_Ns_at_ends();
   return is_accepted(seed);
 }

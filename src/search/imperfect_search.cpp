@@ -1,11 +1,145 @@
 // The direct search for imperfect repeats.
 
 #include <algorithm>
+#include <list>
+#include <utility>
+#include <vector>
 
 #include "search/CSearchController.h"
 #include "search/candidate_scan.h"
 #include "search/lag_filter.h"
+#include "search/seed_filter.h"
 #include "sequence/global-types-and-parameters.h"
+
+/// The seeds of one unit length, tried one after the other: what is kept decides which of the later ones may be tried.
+///
+/// On several threads every part of the sequence is tried ahead, on a copy of the state of its anchors, as if nothing
+/// outside were kept meanwhile. What a seed grows into does not depend on anchors. So the seeds are then gone through
+/// in order, with the true state: the outcome of those that were tried is there, and the few others are tried now.
+class ImperfectPass {
+ public:
+  ImperfectPass(const CSearchController& controller, std::int64_t unit_length, CAnchorSeq& anchors,
+                std::list<Csat*>& found)
+      : controller_(controller),
+        unit_length_(unit_length),
+        anchors_(anchors),
+        found_(found),
+        next_N_(controller.seq.begin()) {}
+
+  /// Seeds must come in the order of their positions.
+  void try_seed(const char* p) {
+    if (!may_be_tried(p, anchors_, next_N_)) return;
+    GrowthAids& aids = controller_.aids_of(0);
+    if (!grow(p, spare_, aids)) return;
+    keep({p, std::move(spare_), aids.forward.untold, aids.backward.untold});
+  }
+
+  void run_on_threads(const CandidateSet& set) {
+    const std::size_t parts = (set.words() + part_words - 1) / part_words;
+    const std::size_t at_once = std::size_t{8} * controller_.workers.count();
+    for (std::size_t first = 0; first < parts; first += at_once) {
+      std::vector<Part> tried(std::min(at_once, parts - first));
+      controller_.workers.run(tried.size(), [&](std::size_t number, unsigned worker) {
+        tried[number] = try_ahead(set, (first + number) * part_words, worker);
+      });
+      for (std::size_t number = 0; number < tried.size(); ++number) {
+        settle(set, (first + number) * part_words, tried[number]);
+      }
+    }
+  }
+
+ private:
+  static constexpr std::size_t part_words = 512;
+
+  struct Kept {
+    const char* begin;
+    OwnedSat sat;
+    std::vector<GuidedStretch<true>> forward_untold;
+    std::vector<GuidedStretch<false>> backward_untold;
+  };
+
+  struct Part {
+    std::vector<std::uint64_t> tried;  ///< one bit for each seed
+    std::vector<Kept> kept;            ///< of those, in the order of their positions
+  };
+
+  /// `next_N` is the first N at or after some position before `p`; it is moved on.
+  bool may_be_tried(const char* p, const CAnchorSeq& anchors, const char*& next_N) const {
+    if (!anchors.admits(p, unit_length_)) return false;
+    next_N = first_N(p, next_N, controller_.seq.end());
+    return CSearchController::valid_starting_pattern(p, p + unit_length_, next_N);
+  }
+
+  bool grow(const char* p, OwnedSat& spare, GrowthAids& aids) const {
+    if (spare == nullptr) spare.reset(sat_alloc.take(p, p + unit_length_));
+    spare->seed(p, p + unit_length_);
+    return controller_.grow_imperfect(*spare, aids);
+  }
+
+  void cover(const Kept& kept, CAnchorSeq& anchors) const {
+    anchors.cover(*kept.sat);
+    for (const auto& stretch : kept.forward_untold) anchors.free_events(stretch, controller_.seq.begin());
+    for (const auto& stretch : kept.backward_untold) anchors.free_events(stretch, controller_.seq.begin());
+  }
+
+  void keep(Kept kept) {
+    cover(kept, anchors_);
+    CSearchController::drop_many_events(*kept.sat);
+    kept.sat->sort_missense();
+    found_.push_back(kept.sat.get());
+    static_cast<void>(kept.sat.release());
+  }
+
+  template <typename Visit>
+  void for_each_seed(const CandidateSet& set, std::size_t first_word, Visit visit) const {
+    const std::size_t end_word = std::min(first_word + part_words, set.words());
+    for (std::size_t word = first_word; word < end_word; ++word) {
+      const char* const first = controller_.seq.begin() + 64 * word;
+      for (std::uint64_t rest = set.word(word); rest != 0; rest &= rest - 1) visit(first + __builtin_ctzll(rest));
+    }
+  }
+
+  Part try_ahead(const CandidateSet& set, std::size_t first_word, unsigned worker) const {
+    Part part;
+    part.tried.resize(part_words);
+    GrowthAids& aids = controller_.aids_of(worker);
+    const char* const begin = controller_.seq.begin() + 64 * first_word;
+    CAnchorSeq anchors = anchors_.part(first_word, part_words + static_cast<std::size_t>(unit_length_) / 64 + 1);
+    const char* next_N = begin;
+    OwnedSat spare;
+    for_each_seed(set, first_word, [&](const char* p) {
+      if (!may_be_tried(p, anchors, next_N)) return;
+      part.tried[static_cast<std::size_t>((p - begin) / 64)] |= std::uint64_t{1} << ((p - begin) % 64);
+      if (!grow(p, spare, aids)) return;
+      part.kept.push_back({p, std::move(spare), aids.forward.untold, aids.backward.untold});
+      cover(part.kept.back(), anchors);
+    });
+    return part;
+  }
+
+  void settle(const CandidateSet& set, std::size_t first_word, Part& part) {
+    const char* const begin = controller_.seq.begin() + 64 * first_word;
+    controller_.report_progress(begin, unit_length_);
+    auto next_kept = part.kept.begin();
+    for_each_seed(set, first_word, [&](const char* p) {
+      const auto at = static_cast<std::size_t>(p - begin);
+      if ((part.tried[at / 64] >> (at % 64) & 1) == 0) {
+        try_seed(p);
+        return;
+      }
+      const bool is_kept = next_kept != part.kept.end() && next_kept->begin == p;
+      if (is_kept && anchors_.admits(p, unit_length_)) keep(std::move(*next_kept));
+      if (is_kept) ++next_kept;
+    });
+  }
+
+  const CSearchController& controller_;
+  const std::int64_t unit_length_;
+  CAnchorSeq& anchors_;
+  std::list<Csat*>& found_;
+  const char* next_N_;
+  OwnedSat spare_;
+};
 
 void CSearchController::complete_imperfect_search() {
   CAnchorSeq anchors(seq.begin(), seq.sequence.length);
@@ -24,34 +158,18 @@ void CSearchController::complete_imperfect_search() {
 }
 
 void CSearchController::unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found) {
-  Csat* spare = nullptr;
-  for_each_candidate(1, rules.maximum_depth, [&](const char* p) {
-    if (*p == 'N' || !anchors.is_free(p)) return;
-    if (spare == nullptr) spare = sat_alloc.take(p, p + 1);
-    spare->seed(p, p + 1);
-    if (!grow_imperfect(*spare)) return;
-    keep_imperfect(spare, anchors, found);
-    spare = nullptr;
-  });
-  if (spare != nullptr) sat_alloc.give_back(spare);
+  // A window of one base is free at both ends or at none, and any base but N is a unit.
+  one_unit_len_complete_imperfect_search(1, anchors, found);
 }
 
 void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors,
                                                                std::list<Csat*>& found) {
-  const char* const end = seq.end();
-  const char* next_N = seq.begin();
-  Csat* spare = nullptr;
-  for_each_candidate(unit_length, rules.maximum_depth, [&](const char* p) {
-    if (!anchors.admits(p, unit_length)) return;
-    next_N = first_N(p, next_N, end);
-    if (!valid_starting_pattern(p, p + unit_length, next_N)) return;
-    if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
-    spare->seed(p, p + unit_length);
-    if (!grow_imperfect(*spare)) return;
-    keep_imperfect(spare, anchors, found);
-    spare = nullptr;
-  });
-  if (spare != nullptr) sat_alloc.give_back(spare);
+  ImperfectPass pass(*this, unit_length, anchors, found);
+  if (workers.count() == 1) {
+    for_each_candidate(unit_length, rules.maximum_depth, [&pass](const char* p) { pass.try_seed(p); });
+  } else {
+    pass.run_on_threads(find_candidates(unit_length, rules.maximum_depth));
+  }
 }
 
 /// The lag filter decides a range of unit lengths at a time; a unit length outside the present range begins the next
@@ -70,15 +188,6 @@ void CSearchController::prepare_candidates(std::int64_t unit_length) {
   // Nearly all of the work on these unit lengths is done here.
   const auto units = static_cast<double>(lag_range_last - lag_range_first + 1);
   const auto done = static_cast<double>(lag_range_first - global_min_unit_length);
-  filter.mark_candidates(lag_range_first, lag_range_last, *minScores, lag_candidates,
+  filter.mark_candidates(lag_range_first, lag_range_last, *minScores, lag_candidates, workers,
                          [&](double share) { draw_progress(done + share * units); });
-}
-
-void CSearchController::keep_imperfect(Csat* sat, CAnchorSeq& anchors, std::list<Csat*>& found) const {
-  anchors.cover(*sat);
-  for (const GuidedStretch<true>& stretch : forward_untold) anchors.free_events(stretch);
-  for (const GuidedStretch<false>& stretch : backward_untold) anchors.free_events(stretch);
-  drop_many_events(*sat);
-  sat->sort_missense();
-  found.push_back(sat);
 }

@@ -1,6 +1,7 @@
 #include "search/lag_filter.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #include "search/lag_kernel.h"
@@ -72,23 +73,21 @@ class RangeScan {
         size_(end - begin),
         task_(task),
         forward_(forward),
-        rows_(std::min(std::max(block_rows, 4 * task.last_unit), size_ - task.first_unit)),
-        row_bytes_(task.lanes / 8),
+        rows_(std::min(std::max(block_rows, 4 * task.last_unit), decidable())),
         bases_(static_cast<std::size_t>(rows_ + task.last_unit + task.first_lag) + task.lanes + 64),
-        certified_(static_cast<std::size_t>(rows_) * row_bytes_),
         candidates_(candidates) {}
 
-  /// Tells `report_share` how much of the rows is done, 0 to 1.
-  void run(const std::function<void(double)>& report_share) {
-    for (std::int64_t first_row = 0; first_row < size_ - task_.first_unit; first_row += rows_) {
-      copy_bases(first_row);
-      const std::int64_t rest = size_ - first_row;
-      const std::int64_t decided = std::min(rows_, rest);
-      LagRows rows{bases_.data(), std::min(rows_ + task_.last_unit, rest), 0, decided};
-      certify_rows(task_, rows, certified_.data());
-      for (std::int64_t row = 0; row < decided; ++row) mark_row(first_row + row, row);
-      report_share(static_cast<double>(first_row + decided) / static_cast<double>(size_));
-    }
+  std::size_t blocks() const { return static_cast<std::size_t>((decidable() + rows_ - 1) / rows_); }
+
+  /// Decides the rows of one block. Their candidates may share words with those of the blocks beside it.
+  void run(std::size_t number) {
+    const std::int64_t first_row = static_cast<std::int64_t>(number) * rows_;
+    copy_bases(first_row);
+    const std::int64_t rest = size_ - first_row;
+    const LagRows rows{bases_.data(), std::min(rows_ + task_.last_unit, rest), 0, std::min(rows_, rest)};
+    certify_rows(task_, rows, [this, first_row](std::int64_t row, const std::uint8_t* certified) {
+      mark_row(first_row + row, certified);
+    });
   }
 
  private:
@@ -103,8 +102,9 @@ class RangeScan {
     }
   }
 
-  void mark_row(std::int64_t x, std::int64_t row) {
-    const std::uint8_t* const bits = certified_.data() + static_cast<std::size_t>(row) * row_bytes_;
+  std::int64_t decidable() const { return size_ - task_.first_unit; }
+
+  void mark_row(std::int64_t x, const std::uint8_t* bits) {
     const std::int64_t first_lane = task_.first_unit - task_.first_lag;
     const std::int64_t last_lane = task_.last_unit - task_.first_lag;
     for (std::int64_t byte = first_lane / 8; byte <= last_lane / 8; ++byte) {
@@ -127,9 +127,7 @@ class RangeScan {
   const LagTask& task_;
   bool forward_;
   std::int64_t rows_;
-  std::size_t row_bytes_;
   std::vector<char> bases_;
-  std::vector<std::uint8_t> certified_;
   std::vector<std::vector<std::uint64_t>>& candidates_;
 };
 
@@ -147,14 +145,20 @@ std::int64_t LagFilter::end_of_range(std::int64_t first, std::int64_t last) cons
 }
 
 void LagFilter::mark_candidates(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
-                                std::vector<std::vector<std::uint64_t>>& candidates,
+                                std::vector<std::vector<std::uint64_t>>& candidates, const Workers& workers,
                                 const std::function<void(double)>& report_share) const {
   const auto words = static_cast<std::size_t>((end_ - begin_ + 63) / 64);
   candidates.assign(static_cast<std::size_t>(last - first + 1), std::vector<std::uint64_t>(words, 0));
   for (const bool forward : {true, false}) {
     const LagTask task = make_task(first, last, minimum_scores, rules_, forward);
-    RangeScan(begin_, end_, task, forward, candidates).run([&](double share) {
-      report_share((forward ? 0 : 0.5) + share / 2);
+    std::vector<RangeScan> scans;
+    for (unsigned i = 0; i < workers.count(); ++i) scans.emplace_back(begin_, end_, task, forward, candidates);
+    std::atomic<std::size_t> done{0};
+    const std::size_t blocks = scans.front().blocks();
+    workers.run_apart(blocks, [&](std::size_t block, unsigned worker) {
+      scans[worker].run(block);
+      ++done;
+      if (worker == 0) report_share((forward ? 0 : 0.5) + static_cast<double>(done) / static_cast<double>(2 * blocks));
     });
   }
 }

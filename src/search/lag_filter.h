@@ -6,6 +6,7 @@
 
 #include "search/front.h"
 #include "search/thresholds.h"
+#include "search/workers.h"
 
 /// Tells in bulk which seeds of a range of unit lengths can possibly reach their minimum scores, where units are too
 /// long for SeedFilter. A seed is rejected when every walk from it, forward and backward, provably ends within its unit
@@ -25,10 +26,10 @@ class LagFilter {
 
   /// Marks the seeds that must be tried, for the unit lengths first to last, inclusive, all useful. candidates[L -
   /// first] has bit p % 64 of word p / 64 for the seed of unit length L that starts at base p.
-  /// Now and then `report_share` is told how much of the work is done, 0 to 1.
+  /// Now and then `report_share` is told, by the calling thread, how much of the work is done, 0 to 1.
   void mark_candidates(
       std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
-      std::vector<std::vector<std::uint64_t>>& candidates,
+      std::vector<std::vector<std::uint64_t>>& candidates, const Workers& workers = Workers(1),
       const std::function<void(double)>& report_share = [](double) {}) const;
 
  private:

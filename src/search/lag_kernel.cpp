@@ -48,13 +48,16 @@ class Programme {
     }
   }
 
-  void run(std::uint8_t* certified) {
+  void run(const LagVerdicts& verdicts) {
+    std::vector<std::uint8_t> certified(task_.lanes / 8);
     for (std::int64_t x = rows_.highest; x >= rows_.decided_begin; --x) {
       if ((x + 1) % task_.line_distance == 0) start_line(x + 1);
       compare_bases(x);
       take_base();
       insert_bases();
-      if (x < rows_.decided_end) decide(x, certified + (x - rows_.decided_begin) * row_bytes());
+      if (x >= rows_.decided_end) continue;
+      decide(x, certified.data());
+      verdicts(x, certified.data());
     }
   }
 
@@ -65,7 +68,6 @@ class Programme {
   static Value clamped(std::int64_t cost) {
     return static_cast<Value>(std::min<std::int64_t>(cost, std::numeric_limits<Value>::max()));
   }
-  std::int64_t row_bytes() const { return static_cast<std::int64_t>(task_.lanes / 8); }
 
   /// Row 0 of every table holds the gains, the others the crossings to the lines, in turn.
   std::size_t slot_of(std::int64_t line_number) const { return 1 + static_cast<std::size_t>(line_number) % lines_; }
@@ -218,13 +220,13 @@ class Programme {
   ValueRows<Value> lags_;
 };
 
-void certify(const LagTask& task, const LagRows& rows, std::uint8_t* certified) {
+void certify(const LagTask& task, const LagRows& rows, const LagVerdicts& verdicts) {
   const std::int64_t most = task.start + task.last_unit + 1;
   const std::int64_t highest_lag = task.first_lag + static_cast<std::int64_t>(task.lanes);
   if (most <= 255 && highest_lag <= 255) {
-    Programme<std::uint8_t>(task, rows).run(certified);
+    Programme<std::uint8_t>(task, rows).run(verdicts);
   } else {
-    Programme<std::uint16_t>(task, rows).run(certified);
+    Programme<std::uint16_t>(task, rows).run(verdicts);
   }
 }
 
@@ -271,8 +273,8 @@ std::vector<LagKernelLevel> lag_kernel_levels() {
   return levels;
 }
 
-void certify_rows(const LagTask& task, const LagRows& rows, std::uint8_t* certified) {
+void certify_rows(const LagTask& task, const LagRows& rows, const LagVerdicts& verdicts) {
   static const auto best = lag_kernel_levels().front().certify;
-  best(task, rows, certified);
+  best(task, rows, verdicts);
 }
 #endif

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 /// The inner loop of the lag filter: a dynamic programme over (unit position x, lag), all lags of a row side by side in
@@ -39,15 +40,18 @@ struct LagRows {
   std::int64_t decided_end;
 };
 
-/// Calls for every decided row, from high to low: certified[row - decided_begin] is a string of lanes / 8 bytes; bit i
-/// tells that no walk of the seed (row, lag of lane i) comes to the end of its unit or gains more than its limit.
-/// Values fit 8 bits when `start` + `last_unit` + 1 does; otherwise 16 bits are used.
-void certify_rows(const LagTask& task, const LagRows& rows, std::uint8_t* certified);
+/// Takes the verdicts on a decided row, lanes / 8 bytes that are valid during the call: bit i tells that no walk of the
+/// seed (row, lag of lane i) comes to the end of its unit or gains more than its limit.
+using LagVerdicts = std::function<void(std::int64_t row, const std::uint8_t* certified)>;
+
+/// Decides the rows, from high to low. Values fit 8 bits when `start` + `last_unit` + 1 does; otherwise 16 bits are
+/// used.
+void certify_rows(const LagTask& task, const LagRows& rows, const LagVerdicts& verdicts);
 
 /// The kernel for one level of vector instructions.
 struct LagKernelLevel {
   const char* name;
-  void (*certify)(const LagTask& task, const LagRows& rows, std::uint8_t* certified);
+  void (*certify)(const LagTask& task, const LagRows& rows, const LagVerdicts& verdicts);
 };
 
 /// The levels that this processor can run, the widest vectors first; `certify_rows` takes the first.

@@ -16,6 +16,8 @@ namespace {
 /// Words of one block: the working arrays of a block stay in the nearest cache. Two words of context stand on either
 /// side: a run that ends in the block may begin in the word before it, and a shift looks one word further.
 constexpr std::size_t block_words = 64;
+/// Words of one task of several threads, whole blocks.
+constexpr std::int64_t words_of_a_task = 64 * static_cast<std::int64_t>(block_words);
 constexpr std::size_t block_begin = 2;
 constexpr std::size_t block_end = block_begin + block_words;
 constexpr std::size_t padded_words = block_end + 2;
@@ -255,11 +257,13 @@ void mark_block(const Task& task, Block& block, std::int64_t size, std::vector<s
   mark_starts(task, block, size, candidates);
 }
 
+/// Marks what the words [first_word, end_word) lead to, and with it some bits in the words around those.
 WITH_WIDE_VECTORS
-void mark_blocks(const Task& task, std::int64_t size, std::vector<std::uint64_t>& candidates) {
-  const auto words = static_cast<std::int64_t>(candidates.size());
+void mark_blocks(const Task& task, std::int64_t size, std::int64_t first_word, std::int64_t end_word,
+                 std::vector<std::uint64_t>& candidates) {
   Block block;
-  for (block.first_word = 0; block.first_word < words; block.first_word += static_cast<std::int64_t>(block_words)) {
+  for (block.first_word = first_word; block.first_word < end_word;
+       block.first_word += static_cast<std::int64_t>(block_words)) {
     mark_block(task, block, size, candidates);
   }
 }
@@ -276,7 +280,14 @@ bool SeedFilter::is_useful(std::int64_t unit_length, std::int64_t minimum_score,
 }
 
 void SeedFilter::mark_candidates(std::int64_t unit_length, std::int64_t minimum_score, const ExtensionRules& rules,
-                                 std::vector<std::uint64_t>& candidates) const {
+                                 std::vector<std::uint64_t>& candidates, const Workers& workers) const {
   candidates.assign(planes_.words(), 0);
-  mark_blocks(make_task(planes_, unit_length, minimum_score, rules), bases_, candidates);
+  const Task task = make_task(planes_, unit_length, minimum_score, rules);
+  const auto words = static_cast<std::int64_t>(candidates.size());
+  const std::int64_t share = workers.count() == 1 ? words : words_of_a_task;
+  if (words == 0) return;
+  workers.run_apart(static_cast<std::size_t>((words + share - 1) / share), [&](std::size_t number, unsigned) {
+    const std::int64_t first = static_cast<std::int64_t>(number) * share;
+    mark_blocks(task, bases_, first, std::min(first + share, words), candidates);
+  });
 }

@@ -1,17 +1,29 @@
 #pragma once
 
+#include <vector>
+
 #include "search/lookahead_window.h"
 #include "search/step_memo.h"
 #include "search/walk_guide.h"
 
-/// What the walks of one sequence and one direction remember of one another. Without it every walk would go the same
-/// way more slowly.
+/// What the walks of one sequence, one direction and one thread remember of one another. Without it every walk would
+/// go the same way more slowly.
 template <bool forward>
 struct WalkAids {
   WalkGuides<forward> guides;
   StepMemo<forward> memo;
   LookaheadSpace space;
+  /// Of the record grown last: stretches whose events are not in its list.
+  std::vector<GuidedStretch<forward>> untold;
 
   /// The sequence, half-open range.
   WalkAids(const char* begin, const char* end) : guides(begin, end), memo(begin) {}
+};
+
+/// Both directions of one thread.
+struct GrowthAids {
+  WalkAids<true> forward;
+  WalkAids<false> backward;
+
+  GrowthAids(const char* begin, const char* end) : forward(begin, end), backward(begin, end) {}
 };

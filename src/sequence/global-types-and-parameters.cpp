@@ -31,6 +31,7 @@ std::string global_gff3_filename;
 std::string global_tsv_filename;
 std::string global_jsonl_filename;
 bool global_show_progress;
+int global_threads;
 
 void init_param() {
   global_sequence_from = 1;
@@ -62,4 +63,5 @@ void init_param() {
   global_tsv_filename.clear();
   global_jsonl_filename.clear();
   global_show_progress = false;
+  global_threads = 1;
 }

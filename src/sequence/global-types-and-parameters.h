@@ -44,6 +44,7 @@
 /// | `global_tsv_filename`            | empty      | the same                    | ... as tab-separated values |
 /// | `global_jsonl_filename`          | empty      | the same                    | ... in JSON Lines |
 /// | `global_show_progress`           | false      |                             | draw the progress line on a terminal |
+/// | `global_threads`                 | 1          | threads, >= 0               | 0: one for each processor |
 // clang-format on
 
 extern std::string global_input_filename;
@@ -77,6 +78,7 @@ extern std::string global_gff3_filename;
 extern std::string global_tsv_filename;
 extern std::string global_jsonl_filename;
 extern bool global_show_progress;
+extern int global_threads;
 
 /// Stores the defaults of the table above in every parameter but the names of input and report.
 void init_param();

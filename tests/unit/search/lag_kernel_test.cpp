@@ -102,7 +102,9 @@ void compare_with_plain_programme(const LagKernelLevel& level, std::int64_t firs
   const std::vector<char> bases = make_bases(size, size - 100, seed);
   const LagRows rows{bases.data(), highest, 0, decided};
   std::vector<std::uint8_t> certified(static_cast<std::size_t>(decided) * task.lanes / 8);
-  level.certify(task, rows, certified.data());
+  level.certify(task, rows, [&](std::int64_t row, const std::uint8_t* verdicts) {
+    std::copy_n(verdicts, task.lanes / 8, certified.data() + static_cast<std::size_t>(row) * task.lanes / 8);
+  });
 
   const PlainProgramme plain(task, rows);
   for (std::int64_t x = 0; x < decided; ++x) {
