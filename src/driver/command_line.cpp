@@ -154,8 +154,8 @@ Options::Options(TCLAP::CmdLine& cmd)
                "second and time left. Nothing is shown if standard error is not a terminal.",
                cmd, global_show_progress),
       threads("", "threads",
-              "The number of threads that search. 0: one for each processor. The result is the same. Default: 1.", false,
-              global_threads, "int", cmd),
+              "The number of threads that search. 0: one for each processor. The result is the same. Default: 1.",
+              false, global_threads, "int", cmd),
       flanking("f", "flanking",
                "If the satellite sequence is printed, this is the number of flanking nucleotides to be printed to the "
                "left and right of it. Default: 0",

@@ -4,10 +4,12 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <exception>
 #include <list>
 #include <memory>
 #include <new>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "driver/command_line.h"
@@ -15,6 +17,7 @@
 #include "driver/number2cstring.h"
 #include "driver/output_files.h"
 #include "driver/parameter_summary.h"
+#include "driver/record_search.h"
 #include "driver/repeat_tables.h"
 #include "search/CSearchController.h"
 #include "search/progress_line.h"
@@ -37,6 +40,9 @@ struct Run {
   bool masked_failed = false;  ///< asked for, but it could not be opened
   unsigned counter = 0;        ///< 1-based number of the record last read
   RecordPlace place;           ///< where in the input it stands
+  unsigned in_work = 0;        ///< number of the record that is being read, searched or reported
+  unsigned threads = 1;
+  WaitingRecords waiting;
 };
 
 std::string masked_filename() {
@@ -129,45 +135,72 @@ void mask_repeats(const std::list<Csat*>& sats, CSequence_Mol& sequence) {
   }
 }
 
-/// Searches the record that was just read, reports its repeats and masks them.
-void search_and_report(Run& run) {
-  CSearchController controller(run.counter, run.sequence);
-  CsatContainer* result = &controller.imperfect_sats;
-  switch (global_search_mode) {
-    case 0:
-      controller.exact_search_2();
-      result = &controller.exact_sats;
-      break;
-    case 1:
-      controller.search_exact_and_extend_to_imperfect_repeats();
-      break;
-    default:
-      controller.complete_imperfect_search();
-  }
-  CSearchController::remove_hidden(*result);
-  run.tables.begin_sequence(run.sequence, run.counter);
+void announce(const RecordSearch& record) {
+  report_status(record.number, record.sequence->name.c_str(), global_min_unit_length, 'r');
+  update_report_time();
+  enter_record(record.place);
+}
+
+/// Reports the repeats of a record that was searched, and masks them.
+void report(Run& run, const RecordSearch& record) {
+  CSequence_Mol& sequence = *record.sequence;
+  const std::list<Csat*>& sats = record.result->sats;
+  run.tables.begin_sequence(sequence, record.number);
   clear_progress_line();  // the report may go to the same terminal
-  controller.report_SATList(run.out.stream(), result->sats,
-                            [&run](const Csat& sat) { run.tables.add(sat, run.sequence); });
+  record.controller->report_SATList(run.out.stream(), sats,
+                                    [&run, &sequence](const Csat& sat) { run.tables.add(sat, sequence); });
   if (!run.masked.is_open()) return;
-  mask_repeats(result->sats, run.sequence);  // after the report, which shows the bases
-  run.sequence.writeSequence(run.masked.stream(), 80);
+  mask_repeats(sats, sequence);  // after the report, which shows the bases
+  sequence.writeSequence(run.masked.stream(), 80);
+}
+
+/// Searches a record, if that was not done yet, and reports it.
+void search_and_report(Run& run, RecordSearch& record) {
+  run.in_work = record.number;
+  errno = 0;  // so that a write that fails meanwhile leaves its reason
+  announce(record);
+  if (record.failure) std::rethrow_exception(record.failure);
+  if (record.result == nullptr) {
+    record.search(run.threads, false);
+  } else if (!record.controller->unsaid.empty()) {
+    write_status(record.controller->unsaid.c_str());
+  }
+  report(run, record);
+}
+
+/// Searches and reports the records that wait. The first that fails ends the run, as it does where none waits.
+void finish_waiting_records(Run& run) {
+  for (std::list<RecordSearch> records = run.waiting.take_searched(run.threads); !records.empty();
+       records.pop_front()) {
+    search_and_report(run, records.front());
+    if (run.out.has_failed()) return;
+  }
 }
 
 void process_record(Run& run) {
   const std::string& name = run.sequence.name;
   if (run.counter < global_sequence_from || run.counter > global_sequence_to) {
+    finish_waiting_records(run);
     general_PrintMessage(stderr, "Skipping sequence ", number2str(run.counter), ": ", name + "\n");
     std::fflush(stderr);
     return;
   }
-  report_status(run.counter, name.c_str(), global_min_unit_length, 'r');
-  update_report_time();
-  enter_record(run.place);
-  search_and_report(run);
+  if (WaitingRecords::has_to_wait(run.sequence.sequence.length, run.threads)) {
+    run.waiting.add(run.sequence, run.counter, run.place);
+    if (run.waiting.are_enough()) finish_waiting_records(run);
+    return;
+  }
+  finish_waiting_records(run);
+  if (run.out.has_failed()) return;
+  RecordSearch record;
+  record.number = run.counter;
+  record.place = run.place;
+  record.sequence = &run.sequence;
+  search_and_report(run, record);
 }
 
 void read_record(Run& run) {
+  run.in_work = run.counter;
   run.place.begin = run.input->position();
   run.sequence.readFastaSequence(*run.input);
   run.place.end = run.input->position();
@@ -210,6 +243,13 @@ void warn_of_missing_end(const Run& run) {
                        "\"\nhas no end marker. It may have been cut off; what is there has been searched.\n");
 }
 
+unsigned threads_to_use() {
+  constexpr unsigned most = 1024;
+  const unsigned wanted =
+      global_threads == 0 ? std::thread::hardware_concurrency() : static_cast<unsigned>(global_threads);
+  return std::clamp(wanted, 1U, most);
+}
+
 /// Everything up to the first record. Returns EXIT_COMPLETE or the reason why the run ends here.
 int start(Run& run, int argc, const char* const* argv) {
   run.sequence.sequence.reserve(reserved_bases);
@@ -222,11 +262,13 @@ int start(Run& run, int argc, const char* const* argv) {
   write_headers(run.out.stream());
   if (!run.out.flush()) return EXIT_WRITE_FAILED;
   open_masked(run);
+  run.threads = threads_to_use();
   start_progress(run);
   return EXIT_COMPLETE;
 }
 
-int process_all_records(Run& run) {
+/// Returns EXIT_COMPLETE or the reason why the run ended before the end of the input.
+int process_records_to_end(Run& run) {
   try {
     while (!run.input->eof()) {
       ++run.counter;
@@ -236,10 +278,22 @@ int process_all_records(Run& run) {
       if (run.out.has_failed()) return EXIT_WRITE_FAILED;
     }
   } catch (int fasta_error) {
+    finish_waiting_records(run);
     run.out.flush();  // what was found comes before the reason why there is no more
     report_malformed_input(run, fasta_error);
     return EXIT_MALFORMED_INPUT;
+  } catch (const std::bad_alloc&) {
+    const unsigned at_fault = run.in_work;
+    finish_waiting_records(run);
+    run.in_work = at_fault;
+    throw;
   }
+  finish_waiting_records(run);
+  return run.out.has_failed() ? EXIT_WRITE_FAILED : EXIT_COMPLETE;
+}
+
+int process_all_records(Run& run) {
+  if (const int code = process_records_to_end(run)) return code;
   warn_of_missing_end(run);
   // The final progress line names the record last read, even if it was skipped.
   report_status(run.counter, run.sequence.name.c_str(), global_max_unit_length, 'f');
@@ -253,7 +307,7 @@ int run_to_exit_code(Run& run, int argc, const char* const* argv) {
     return code == EXIT_COMPLETE ? process_all_records(run) : code;
   } catch (const std::bad_alloc&) {
     general_PrintMessage(stderr, "Sorry! Memory ran out while working on the input file \n   \"", global_input_filename,
-                         "\", record ", std::string(number2str(run.counter)) + ".\n");
+                         "\", record ", std::string(number2str(run.in_work)) + ".\n");
     return EXIT_OUT_OF_MEMORY;
   }
 }

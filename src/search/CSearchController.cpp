@@ -33,8 +33,23 @@ bool CSearchController::passes(const Csat& sat, const ThresholdTable& scores, co
   return sat.score >= scores[u] && sat.normalized_length() >= lengths[u];
 }
 
+void CSearchController::say(const char* line) {
+  if (is_quiet) {
+    unsaid += line;
+  } else {
+    write_status(line);
+  }
+}
+
+void CSearchController::forget_working_data() {
+  for (std::unique_ptr<GrowthAids>& aids : growth_aids) aids.reset();
+  candidates = {};
+  lag_candidates = {};
+  lag_range_last = lag_range_first - 1;
+}
+
 void CSearchController::report_progress(const char* p, std::int64_t unit_length) const {
-  if ((p - seq.begin()) % 256 != 0) return;
+  if (is_quiet || (p - seq.begin()) % 256 != 0) return;
   if (progress_line_is_on) {
     draw_progress(static_cast<double>(unit_length - global_min_unit_length) + share_before(p));
   }
@@ -42,7 +57,7 @@ void CSearchController::report_progress(const char* p, std::int64_t unit_length)
 }
 
 void CSearchController::draw_progress(double steps_done) const {
-  if (!progress_line_is_on) return;
+  if (is_quiet || !progress_line_is_on) return;
   const std::int64_t steps = unit_lengths() + (global_search_mode == 1 ? 1 : 0);
   show_progress(steps_done / static_cast<double>(steps));
 }

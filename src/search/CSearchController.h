@@ -5,6 +5,7 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "satellite/Csat.h"
@@ -64,6 +65,13 @@ class CSearchController {
   /// Mode "imperfect": every position as a seed of every unit length, into `imperfect_sats`, sorted with lessThan_sat.
   void complete_imperfect_search();
 
+  /// Nothing goes to standard error from here on: the search runs beside others. What it has to say waits in `unsaid`.
+  void be_quiet() { is_quiet = true; }
+  std::string unsaid;
+
+  /// Frees what only the search itself needed.
+  void forget_working_data();
+
   /// Removes, from a list sorted with lessThan_sat, the lower-scoring one of any two mostly overlapping repeats. Two
   /// repeats mostly overlap when one of them has less than a unit outside the shared stretch. The earlier one wins a
   /// tie.
@@ -109,6 +117,9 @@ class CSearchController {
   /// score >= minScores and normalised length >= minLengths, in the given tables.
   static bool passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths);
   bool is_accepted(const Csat& sat) const { return passes(sat, *minScores, *minLengths); }
+
+  /// A line for the user, with its line end.
+  void say(const char* line);
 
   /// Every 256 positions: lets the run status write a progress line, once a minute at most, and draws the line of
   /// --progress.
@@ -164,6 +175,7 @@ class CSearchController {
   BasePlanes planes;
   Workers workers;
   mutable std::vector<std::unique_ptr<GrowthAids>> growth_aids;  ///< one for each worker, made when it is needed
+  bool is_quiet = false;
   bool exact_first = false;  ///< records were extended exactly before the imperfect extension
   std::vector<std::uint64_t> candidates;
   /// Candidates of the unit lengths that the lag filter has decided, an inclusive range; none if last < first.

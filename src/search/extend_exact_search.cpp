@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "search/CSearchController.h"
-#include "search/run_status.h"
 #include "search/seed_filter.h"
 
 void CSearchController::drop_seeds_that_cannot_grow(std::int64_t unit_length) {
@@ -17,7 +16,7 @@ void CSearchController::drop_seeds_that_cannot_grow(std::int64_t unit_length) {
 }
 
 void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
-  write_status("  Searching for exact repeats.\n");
+  say("  Searching for exact repeats.\n");
   minScores = &minScores_intern;
   minLengths = &minLengths_intern;
   exact_search_2();
@@ -25,7 +24,7 @@ void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   minScores = &minScores_user;
   minLengths = &minLengths_user;
 
-  write_status("  Extend exact to imperfect repeats.\n");
+  say("  Extend exact to imperfect repeats.\n");
   std::list<Csat*>& seeds = exact_sats.sats;
   while (!seeds.empty()) {
     // The seeds stand in the order of their positions.

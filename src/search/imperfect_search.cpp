@@ -35,22 +35,21 @@ class ImperfectPass {
   }
 
   void run_on_threads(const CandidateSet& set) {
-    const std::size_t parts = (set.words() + part_words - 1) / part_words;
     const std::size_t at_once = std::size_t{8} * controller_.workers.count();
+    part_words_ = std::clamp<std::size_t>(set.words() / at_once, 1, 512);
+    const std::size_t parts = (set.words() + part_words_ - 1) / part_words_;
     for (std::size_t first = 0; first < parts; first += at_once) {
       std::vector<Part> tried(std::min(at_once, parts - first));
       controller_.workers.run(tried.size(), [&](std::size_t number, unsigned worker) {
-        tried[number] = try_ahead(set, (first + number) * part_words, worker);
+        tried[number] = try_ahead(set, (first + number) * part_words_, worker);
       });
       for (std::size_t number = 0; number < tried.size(); ++number) {
-        settle(set, (first + number) * part_words, tried[number]);
+        settle(set, (first + number) * part_words_, tried[number]);
       }
     }
   }
 
  private:
-  static constexpr std::size_t part_words = 512;
-
   struct Kept {
     const char* begin;
     OwnedSat sat;
@@ -92,7 +91,7 @@ class ImperfectPass {
 
   template <typename Visit>
   void for_each_seed(const CandidateSet& set, std::size_t first_word, Visit visit) const {
-    const std::size_t end_word = std::min(first_word + part_words, set.words());
+    const std::size_t end_word = std::min(first_word + part_words_, set.words());
     for (std::size_t word = first_word; word < end_word; ++word) {
       const char* const first = controller_.seq.begin() + 64 * word;
       for (std::uint64_t rest = set.word(word); rest != 0; rest &= rest - 1) visit(first + __builtin_ctzll(rest));
@@ -101,10 +100,10 @@ class ImperfectPass {
 
   Part try_ahead(const CandidateSet& set, std::size_t first_word, unsigned worker) const {
     Part part;
-    part.tried.resize(part_words);
+    part.tried.resize(part_words_);
     GrowthAids& aids = controller_.aids_of(worker);
     const char* const begin = controller_.seq.begin() + 64 * first_word;
-    CAnchorSeq anchors = anchors_.part(first_word, part_words + static_cast<std::size_t>(unit_length_) / 64 + 1);
+    CAnchorSeq anchors = anchors_.part(first_word, part_words_ + static_cast<std::size_t>(unit_length_) / 64 + 1);
     const char* next_N = begin;
     OwnedSat spare;
     for_each_seed(set, first_word, [&](const char* p) {
@@ -139,6 +138,7 @@ class ImperfectPass {
   std::list<Csat*>& found_;
   const char* next_N_;
   OwnedSat spare_;
+  std::size_t part_words_ = 0;  ///< 64 positions each; of the parts that are tried ahead
 };
 
 void CSearchController::complete_imperfect_search() {

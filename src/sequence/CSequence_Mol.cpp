@@ -57,6 +57,16 @@ const char* find_line_end(const char* from, const char* to) {
 
 }  // namespace
 
+void CSequence_Mol::copy(const CSequence_Mol& other) {
+  name = other.name;
+  sequence_type = other.sequence_type;
+  sequence.length = 0;
+  sequence.reserve(other.sequence.length);
+  std::copy_n(other.sequence.buffer, other.sequence.length, sequence.buffer);
+  sequence.length = other.sequence.length;
+  sequence.terminate();
+}
+
 void CSequence_Mol::readName(CFile& file) {
   name.clear();
   while (true) {

@@ -21,6 +21,9 @@ class CSequence_Mol {
   /// Throws the integers of FastaError, and std::bad_alloc.
   void readFastaSequence(CFile& file);
 
+  /// Becomes a copy of another record.
+  void copy(const CSequence_Mol& other);
+
   /// Reads one sequence line and appends its bases: A, C, G and T in either case are kept, X is dropped, every other
   /// letter becomes N, every byte that is not a letter is skipped.
   void getLineOfDNA(CFile& file);
