@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
-#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "search/CSearchController.h"
+#include "search/first_step_scores.h"
+#include "search/front_set.h"
 #include "search/lookahead_window.h"
 #include "search/unit_runs.h"
 
@@ -30,6 +32,8 @@ class ImperfectWalk {
         first_base(first_base_of_sequence),
         guides(aids.guides),
         memo(aids.memo),
+        level(aids.level),
+        next_level(aids.next_level),
         stretches(untold) {}
 
   /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the
@@ -200,58 +204,41 @@ class ImperfectWalk {
     return obvious != '?' ? obvious : deep_step(front, mismatch, indel);
   }
 
-  /// As choose_step, without the window.
+  /// As choose_step, without the window. Of two ways into one state, same position and unit base after equally many
+  /// steps, only the higher-scoring one is followed: the bound forbids it nothing that it permits the other, and every
+  /// later score is higher by the same difference. So the work grows polynomially with the depth.
   char deep_step(const FrontState& front, bool mismatch, bool indel) {
-    std::int64_t best = bound - 1;
-    char choice = '-';
-    const auto offer = [&](char kind, std::int64_t value) {
-      if (value <= best) return;
-      best = value;
-      choice = kind;
-    };
-    if (mismatch) offer('M', lookahead(after_mismatch(front)));
+    constexpr std::int64_t lost = FirstStepScores::lost;
+    FirstStepScores values(mismatch ? front.score + rules.mismatch_score : lost,
+                           indel ? front.score + rules.indel_score : lost,
+                           indel ? front.score + rules.indel_score : lost);
+    level.clear();
+    if (mismatch) level.add(after_mismatch(front), values.only_mismatch());
     if (indel) {
-      offer('I', lookahead(after_insertion(front)));
-      offer('D', lookahead(after_deletion(front)));
+      level.add(after_insertion(front), values.only_insertion());
+      level.add(after_deletion(front), values.only_deletion());
     }
-    return choice;
-  }
-
-  /// The highest score of any state within the lookahead after the given first step. Of two ways into one state, same
-  /// position and unit base after equally many steps, only the higher-scoring one is followed: the bound forbids it
-  /// nothing that it permits the other, and every later score is higher by the same difference. So the work grows
-  /// polynomially with the depth.
-  std::int64_t lookahead(const FrontState& first) {
-    std::int64_t best = first.score;
-    level.assign(1, first);
-    for (std::int64_t depth = 1; !level.empty(); ++depth) {
+    for (std::int64_t depth = 1; !level.nodes().empty(); ++depth) {
       next_level.clear();
-      for (FrontState& front : level) {
-        const bool way_is_free = runs.extend_exact(front, limit, rules);
-        best = std::max(best, front.score);
-        if (way_is_free && depth < rules.maximum_depth && front.position != limit) push_steps(front);
+      for (auto& [state, scores] : level.nodes()) {
+        const std::int64_t score = state.score;
+        const bool way_is_free = runs.extend_exact(state, limit, rules);
+        scores.add_matches(state.score - score);
+        values.raise_to(scores);
+        if (way_is_free && depth < rules.maximum_depth && state.position != limit) add_steps(state, scores);
       }
-      keep_highest_of_equal_states();
-      level.swap(next_level);
+      std::swap(level, next_level);
     }
-    return best;
+    return values.best();
   }
 
-  void push_steps(const FrontState& front) {
-    if (mismatch_permitted(front)) next_level.push_back(after_mismatch(front));
-    if (!indel_permitted(front)) return;
-    next_level.push_back(after_insertion(front));
-    next_level.push_back(after_deletion(front));
-  }
-
-  void keep_highest_of_equal_states() {
-    const auto key = [](const FrontState& front) { return std::make_tuple(front.position, front.unit, -front.score); };
-    std::sort(next_level.begin(), next_level.end(),
-              [&key](const FrontState& a, const FrontState& b) { return key(a) < key(b); });
-    const auto same = [](const FrontState& a, const FrontState& b) {
-      return a.position == b.position && a.unit == b.unit;
-    };
-    next_level.erase(std::unique(next_level.begin(), next_level.end(), same), next_level.end());
+  void add_steps(const FrontState& state, const FirstStepScores& scores) {
+    const FirstStepScores mismatched = scores.after(rules.mismatch_score, bound);
+    if (!mismatched.is_lost()) next_level.add(after_mismatch(state), mismatched);
+    const FirstStepScores shifted = scores.after(rules.indel_score, bound);
+    if (shifted.is_lost()) return;
+    next_level.add(after_insertion(state), shifted);
+    next_level.add(after_deletion(state), shifted);
   }
 
   /// Takes one step and notes its event. The base of a mismatch or an insertion is the one taken in; a deletion lies at
@@ -298,9 +285,9 @@ class ImperfectWalk {
   const char* const first_base;
   WalkGuides<forward>& guides;
   StepMemo<forward>& memo;
+  FrontSet<forward>& level;
+  FrontSet<forward>& next_level;
   std::vector<GuidedStretch<forward>>* const stretches;
-  std::vector<FrontState> level;
-  std::vector<FrontState> next_level;
 };
 
 }  // namespace

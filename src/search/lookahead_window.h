@@ -1,13 +1,13 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <iterator>
 #include <utility>
 
 #include "search/base_planes.h"
+#include "search/first_step_scores.h"
 #include "search/front.h"
 #include "search/unit_runs.h"
 
@@ -20,9 +20,6 @@ class LookaheadSpace {
   static constexpr std::int64_t width = 64;       ///< positions
   static constexpr std::int64_t most_drift = 12;  ///< lags on either side
 
-  /// One score for each kind of first step, in the order of preference: M, I, D.
-  using Values = std::array<std::int64_t, 3>;
-
   /// Bases taken, and lag changed, since the anchor.
   struct Place {
     std::int64_t position;
@@ -31,7 +28,7 @@ class LookaheadSpace {
 
   struct Node {
     Place place;
-    Values scores;
+    FirstStepScores scores;
   };
 
   /// The places to which equally many steps lead, each once.
@@ -52,11 +49,10 @@ class LookaheadSpace {
 
   /// Adds a place to the level begun last. Of two ways into one place the higher-scoring one is enough. False if the
   /// level is full.
-  bool push(const Place& place, const Values& scores, Level& level) {
+  bool push(const Place& place, const FirstStepScores& scores, Level& level) {
     std::uint32_t& entry = nodes_at_[static_cast<std::size_t>(place.position * drifts + place.drift + most_drift)];
     if (entry >> index_bits == level_number_) {
-      Values& other = level.nodes[entry & (Level::most_nodes - 1)].scores;
-      for (std::size_t kind = 0; kind < scores.size(); ++kind) other[kind] = std::max(other[kind], scores[kind]);
+      level.nodes[entry & (Level::most_nodes - 1)].scores.raise_to(scores);
       return true;
     }
     if (level.size == Level::most_nodes) return false;
@@ -112,17 +108,17 @@ class LookaheadWindow {
       here = {position_, drift_};
     }
     seen_ = position_ + reach(rules_.maximum_depth);
-    Values values{lost, lost, lost};
-    if (mismatch_permitted) values[0] = front.score + rules_.mismatch_score;
-    if (indel_permitted) values[1] = values[2] = front.score + rules_.indel_score;
+    constexpr std::int64_t lost = FirstStepScores::lost;
+    FirstStepScores values(mismatch_permitted ? front.score + rules_.mismatch_score : lost,
+                           indel_permitted ? front.score + rules_.indel_score : lost,
+                           indel_permitted ? front.score + rules_.indel_score : lost);
     if (plain) {
-      values[0] += run(here.position + 1, here.drift);
-      values[1] += run(here.position + 1, here.drift + 1);
-      values[2] += run(here.position, here.drift - 1);
-    } else if (!look_ahead(here, values)) {
+      values.add_matches(run(here.position + 1, here.drift), run(here.position + 1, here.drift + 1),
+                         run(here.position, here.drift - 1));
+    } else if (!look_ahead(here, values, mismatch_permitted, indel_permitted)) {
       return '?';
     }
-    return "MID"[std::max_element(values.begin(), values.end()) - values.begin()];  // the first of equal ones
+    return values.best();
   }
 
   /// How many unit bases from the front on the last choice depends on, at most.
@@ -132,10 +128,7 @@ class LookaheadWindow {
   static constexpr std::int64_t width = LookaheadSpace::width;
   static constexpr std::int64_t most_drift = LookaheadSpace::most_drift;
   static constexpr std::int64_t most_depth = 8;
-  static constexpr std::int64_t lost = INT64_MIN / 2;
-
   using Place = LookaheadSpace::Place;
-  using Values = LookaheadSpace::Values;
   using Node = LookaheadSpace::Node;
   using Level = LookaheadSpace::Level;
 
@@ -143,25 +136,25 @@ class LookaheadWindow {
   static Place after_insertion(const Place& p) { return {p.position + 1, p.drift + 1}; }
   static Place after_deletion(const Place& p) { return {p.position, p.drift - 1}; }
 
-  /// Replaces each value, the score right after a first step, by the highest score within the lookahead behind it;
-  /// false if that leaves the window.
-  bool look_ahead(const Place& here, Values& values) {
+  /// Raises each value, the score right after a first step, to the highest score within the lookahead behind it; false
+  /// if that leaves the window.
+  bool look_ahead(const Place& here, FirstStepScores& values, bool mismatch_permitted, bool indel_permitted) {
     Level* level = &space_.levels[0];
     Level* next = &space_.levels[1];
     space_.begin(*level);
-    if (values[0] > lost) space_.push(after_mismatch(here), {values[0], lost, lost}, *level);
-    if (values[1] > lost) space_.push(after_insertion(here), {lost, values[1], lost}, *level);
-    if (values[2] > lost) space_.push(after_deletion(here), {lost, lost, values[2]}, *level);
+    if (mismatch_permitted) space_.push(after_mismatch(here), values.only_mismatch(), *level);
+    if (indel_permitted) {
+      space_.push(after_insertion(here), values.only_insertion(), *level);
+      space_.push(after_deletion(here), values.only_deletion(), *level);
+    }
     for (std::int64_t left = rules_.maximum_depth - 1; level->size > 0; --left) {
       space_.begin(*next);
       for (std::size_t i = 0; i < level->size; ++i) {
         Node& node = level->nodes[i];
         const std::int64_t matches = run(node.place.position, node.place.drift);
         node.place.position += matches;
-        for (std::size_t kind = 0; kind < values.size(); ++kind) {
-          node.scores[kind] += matches;
-          values[kind] = std::max(values[kind], node.scores[kind]);
-        }
+        node.scores.add_matches(matches);
+        values.raise_to(node.scores);
         if (node.place.position >= width) return false;  // the run may go on outside
         const std::int64_t seen = node.place.position + (left == 0 ? 1 : reach(left));
         if (seen > width) return false;
@@ -174,26 +167,14 @@ class LookaheadWindow {
     return true;
   }
 
-  /// The scores after a step, where it is permitted.
-  bool after(const Values& scores, std::int64_t step_score, Values& later) const {
-    const std::int64_t bound = -circle_.length();
-    bool any = false;
-    for (std::size_t kind = 0; kind < scores.size(); ++kind) {
-      const bool permitted = scores[kind] + step_score > bound;
-      later[kind] = permitted ? scores[kind] + step_score : lost;
-      any |= permitted;
-    }
-    return any;
-  }
-
   bool push_steps(const Node& node, Level& next) {
-    Values scores;
-    if (after(node.scores, rules_.mismatch_score, scores) && !space_.push(after_mismatch(node.place), scores, next)) {
-      return false;
-    }
-    if (!after(node.scores, rules_.indel_score, scores)) return true;
-    return space_.push(after_insertion(node.place), scores, next) &&
-           space_.push(after_deletion(node.place), scores, next);
+    const std::int64_t bound = -circle_.length();
+    const FirstStepScores mismatched = node.scores.after(rules_.mismatch_score, bound);
+    if (!mismatched.is_lost() && !space_.push(after_mismatch(node.place), mismatched, next)) return false;
+    const FirstStepScores shifted = node.scores.after(rules_.indel_score, bound);
+    if (shifted.is_lost()) return true;
+    return space_.push(after_insertion(node.place), shifted, next) &&
+           space_.push(after_deletion(node.place), shifted, next);
   }
 
   /// Positions of the window that matter for a state with `steps` steps left: those at which a run may begin, each run

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "search/front_set.h"
 #include "search/lookahead_window.h"
 #include "search/step_memo.h"
 #include "search/walk_guide.h"
@@ -13,6 +14,8 @@ struct WalkAids {
   WalkGuides<forward> guides;
   StepMemo<forward> memo;
   LookaheadSpace space;
+  FrontSet<forward> level;  ///< working space of the lookahead outside the window
+  FrontSet<forward> next_level;
   /// Of the record grown last: stretches whose events are not in its list.
   std::vector<GuidedStretch<forward>> untold;
 
