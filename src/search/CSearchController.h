@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <list>
 #include <vector>
 
@@ -94,8 +95,12 @@ class CSearchController {
   /// The longest unit length that can be seeded at all: a window must end before the last base.
   std::int64_t longest_unit() const;
 
-  void search_exact_mononucleotides();
-  void search_exact_units(std::int64_t unit_length, CAnchorSeq& cover);
+  /// Takes an exact repeat over or, returning false, leaves it to be used anew. It may change the repeat.
+  using KeepRepeat = std::function<bool(Csat*)>;
+  /// Calls `keep` with every exact repeat that passes the active thresholds, by ascending unit length and start.
+  void find_exact_repeats(const KeepRepeat& keep);
+  void search_exact_mononucleotides(const KeepRepeat& keep);
+  void search_exact_units(std::int64_t unit_length, CAnchorSeq& cover, const KeepRepeat& keep);
   void extend_exact_both_ways(Csat& sat) const;
 
   void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found);
