@@ -71,13 +71,12 @@ void CSearchController::search_exact_mononucleotides(const KeepRepeat& keep) {
 /// its unit or at a multiple of it. The cover is carried on to the longer units. What is not covered is found again in
 /// every phase, once for each; where the overlap removal would leave one of them only, the first one will do.
 void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq& cover, const KeepRepeat& keep) {
-  const char* const end = seq.end();
-  const char* next_N = seq.begin();
+  const char* next_N = seq.begin() + planes.first_unknown(0);
   const char* next_seed = seq.begin();  // the windows before it lie in a repeat that was tried
   Csat* spare = nullptr;
   for_each_candidate(unit_length, 0, [&](const char* p) {
     if (p < next_seed || !cover.admits(p, unit_length)) return;
-    next_N = first_N(p, next_N, end);
+    if (next_N < p) next_N = seq.begin() + planes.first_unknown(p - seq.begin());
     if (!valid_starting_pattern(p, p + unit_length, next_N)) return;
     if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
     spare->seed(p, p + unit_length);
