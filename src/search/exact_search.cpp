@@ -77,7 +77,11 @@ void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq&
   for_each_candidate(unit_length, 0, [&](const char* p) {
     if (p < next_seed || !cover.admits(p, unit_length)) return;
     if (next_N < p) next_N = seq.begin() + planes.first_unknown(p - seq.begin());
-    if (!valid_starting_pattern(p, p + unit_length, next_N)) return;
+    if (!valid_starting_pattern(p, p + unit_length, next_N)) {
+      const char* const run_end = std::find_if(p, seq.end(), [p](char base) { return base != *p; });
+      next_seed = run_end - unit_length + 1;  // in a run of one base no window is a unit
+      return;
+    }
     if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
     spare->seed(p, p + unit_length);
     extend_exact_both_ways(*spare);
