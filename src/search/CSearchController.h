@@ -41,6 +41,13 @@ struct CandidateSet {
   }
 };
 
+/// A repeat that grows, or grew, out of an exact one, which was [left, right_end). Null if it failed.
+struct GrownRepeat {
+  Csat* sat;
+  const char* left;
+  const char* right_end;
+};
+
 /// The search of one sequence: built over a record, searched once in one mode, reported, destroyed before the next
 /// record is read. Every position in a record found here points into `seq`.
 class CSearchController {
@@ -136,8 +143,12 @@ class CSearchController {
   /// How many unit lengths are searched; 0 in a record that is too short for any.
   std::int64_t unit_lengths() const;
 
-  void search_exact_mononucleotides();
-  void search_exact_units(std::int64_t unit_length, CAnchorSeq& cover);
+  /// Takes an exact repeat over or, returning false, leaves it to be used anew. It may change the repeat.
+  using KeepRepeat = std::function<bool(Csat*)>;
+  /// Calls `keep` with every exact repeat that passes the active thresholds, by ascending unit length and start.
+  void find_exact_repeats(const KeepRepeat& keep);
+  void search_exact_mononucleotides(const KeepRepeat& keep);
+  void search_exact_units(std::int64_t unit_length, CAnchorSeq& cover, const KeepRepeat& keep);
   void extend_exact_both_ways(Csat& sat) const;
 
   void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found);
@@ -153,8 +164,7 @@ class CSearchController {
   /// Grows the repeat anew from its unit, if events were dropped.
   void find_dropped_events(Csat& sat) const;
 
-  /// Grows the first of the seeds of mode "extendExact" and moves them to the result or back to the pool.
-  void grow_some_seeds(std::list<Csat*>& seeds);
+  void grow_exact_repeats(std::vector<GrownRepeat>& repeats) const;
 
   void prepare_candidates(std::int64_t unit_length);
 

@@ -23,6 +23,9 @@ class BasePlanes {
   /// 64 * (first_word + j) + i - lag.
   void unknown(std::int64_t first_word, std::size_t count, std::int64_t lag, std::uint64_t* unknown) const;
 
+  /// The number of the first N at or after base `first`, or the length of the sequence; `first` is at most that.
+  std::int64_t first_unknown(std::int64_t first) const;
+
   /// The 64 bits of a plane from base `first` on, which must lie inside the sequence; beyond its end N, or any base.
   std::uint64_t low_bits(std::int64_t first) const { return bits_from(low_, first); }
   std::uint64_t high_bits(std::int64_t first) const { return bits_from(high_, first); }

@@ -34,18 +34,25 @@ void CSearchController::extend_exact_both_ways(Csat& sat) const {
 }
 
 void CSearchController::exact_search_2() {
-  CAnchorSeq cover(seq.begin(), seq.sequence.length);
-  std::int64_t first = global_min_unit_length;
-  if (first == 1) {
-    search_exact_mononucleotides();
-    first = 2;
-  }
-  for (std::int64_t k = first; k <= longest_unit(); ++k) search_exact_units(k, cover);
+  find_exact_repeats([this](Csat* sat) {
+    exact_sats.sats.push_back(sat);
+    return true;
+  });
   exact_sats.sats.sort(lessThan_sat);
 }
 
+void CSearchController::find_exact_repeats(const KeepRepeat& keep) {
+  CAnchorSeq cover(seq.begin(), seq.sequence.length);
+  std::int64_t first = global_min_unit_length;
+  if (first == 1) {
+    search_exact_mononucleotides(keep);
+    first = 2;
+  }
+  for (std::int64_t k = first; k <= longest_unit(); ++k) search_exact_units(k, cover, keep);
+}
+
 /// Runs of one base are not written into the cover: the scan jumps over each, and they must not hide longer units.
-void CSearchController::search_exact_mononucleotides() {
+void CSearchController::search_exact_mononucleotides(const KeepRepeat& keep) {
   Csat* spare = nullptr;
   const char* next_seed = seq.begin();
   for_each_candidate(1, 0, [&](const char* p) {
@@ -54,9 +61,8 @@ void CSearchController::search_exact_mononucleotides() {
     spare->seed(p, p + 1);
     extend_exact_both_ways(*spare);
     if (!is_accepted(*spare)) return;
-    exact_sats.sats.push_back(spare);
     next_seed = spare->pos_right_end;
-    spare = nullptr;
+    if (keep(spare)) spare = nullptr;
   });
   if (spare != nullptr) sat_alloc.give_back(spare);
 }
@@ -64,23 +70,25 @@ void CSearchController::search_exact_mononucleotides() {
 /// A kept repeat that also passes the user's thresholds is covered, so that it is not found again in another phase of
 /// its unit or at a multiple of it. The cover is carried on to the longer units. What is not covered is found again in
 /// every phase, once for each; where the overlap removal would leave one of them only, the first one will do.
-void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq& cover) {
-  const char* const end = seq.end();
-  const char* next_N = seq.begin();
+void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq& cover, const KeepRepeat& keep) {
+  const char* next_N = seq.begin() + planes.first_unknown(0);
   const char* next_seed = seq.begin();  // the windows before it lie in a repeat that was tried
   Csat* spare = nullptr;
   for_each_candidate(unit_length, 0, [&](const char* p) {
     if (p < next_seed || !cover.admits(p, unit_length)) return;
-    next_N = first_N(p, next_N, end);
-    if (!valid_starting_pattern(p, p + unit_length, next_N)) return;
+    if (next_N < p) next_N = seq.begin() + planes.first_unknown(p - seq.begin());
+    if (!valid_starting_pattern(p, p + unit_length, next_N)) {
+      const char* const run_end = std::find_if(p, seq.end(), [p](char base) { return base != *p; });
+      next_seed = run_end - unit_length + 1;  // in a run of one base no window is a unit
+      return;
+    }
     if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
     spare->seed(p, p + unit_length);
     extend_exact_both_ways(*spare);
     if (global_remove_mostly_hidden && spare->num_Ns == 0) next_seed = spare->pos_right_end - unit_length + 1;
     if (!is_accepted(*spare)) return;
     if (passes(*spare, minScores_user, minLengths_user)) cover.cover(*spare);
-    exact_sats.sats.push_back(spare);
-    spare = nullptr;
+    if (keep(spare)) spare = nullptr;
   });
   if (spare != nullptr) sat_alloc.give_back(spare);
 }

@@ -1,7 +1,7 @@
 // The mode that grows exact seeds into imperfect repeats.
 
 #include <algorithm>
-#include <iterator>
+#include <tuple>
 #include <vector>
 
 #include "search/CSearchController.h"
@@ -15,46 +15,65 @@ void CSearchController::drop_seeds_that_cannot_grow(std::int64_t unit_length) {
   for (std::size_t word = 0; word < candidates.size(); ++word) candidates[word] &= growing[word];
 }
 
+namespace {
+
+/// The order of the repeats; where they are the same stretch, that of the exact ones.
+bool comes_first(const GrownRepeat& a, const GrownRepeat& b) {
+  const auto place = [](const GrownRepeat& r) {
+    return std::make_tuple(r.sat->pos_left, r.sat->pos_right_end, r.left, r.right_end);
+  };
+  return place(a) < place(b);
+}
+
+}  // namespace
+
+/// The exact repeats grow as soon as enough for all threads are found: most of them fail, and they are too many to be
+/// stored.
 void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   say("  Searching for exact repeats.\n");
+  exact_first = true;
   minScores = &minScores_intern;
   minLengths = &minLengths_intern;
-  exact_search_2();
-  exact_first = true;
+  std::vector<GrownRepeat> found;
+  std::vector<GrownRepeat> waiting;
+  const std::size_t enough = workers.count() == 1 ? 1 : 2048 * std::size_t{workers.count()};
+  const auto grow_waiting = [&] {
+    grow_exact_repeats(waiting);
+    for (const GrownRepeat& grown : waiting) {
+      if (grown.sat != nullptr) found.push_back(grown);
+    }
+    waiting.clear();
+  };
+  find_exact_repeats([&](Csat* sat) {
+    waiting.push_back({sat, sat->pos_left, sat->pos_right_end});
+    if (waiting.size() == enough) grow_waiting();
+    return true;
+  });
+  grow_waiting();
   minScores = &minScores_user;
   minLengths = &minLengths_user;
 
   say("  Extend exact to imperfect repeats.\n");
-  std::list<Csat*>& seeds = exact_sats.sats;
-  while (!seeds.empty()) {
-    // The seeds stand in the order of their positions.
-    draw_progress(static_cast<double>(unit_lengths()) + share_before(seeds.front()->pos_left));
-    grow_some_seeds(seeds);
-  }
-  imperfect_sats.sats.sort(lessThan_sat);
+  std::stable_sort(found.begin(), found.end(), comes_first);
+  for (const GrownRepeat& grown : found) imperfect_sats.sats.push_back(grown.sat);
 }
 
-void CSearchController::grow_some_seeds(std::list<Csat*>& seeds) {
-  constexpr std::size_t seeds_of_a_task = 64;
-  const std::size_t most = workers.count() == 1 ? seeds_of_a_task : 32 * seeds_of_a_task * workers.count();
-  const std::vector<Csat*> some(seeds.begin(),
-                                std::next(seeds.begin(), static_cast<std::ptrdiff_t>(std::min(most, seeds.size()))));
-  std::vector<char> accepted(some.size());
-  workers.run((some.size() + seeds_of_a_task - 1) / seeds_of_a_task, [&](std::size_t task, unsigned worker) {
-    const std::size_t end = std::min((task + 1) * seeds_of_a_task, some.size());
-    for (std::size_t i = task * seeds_of_a_task; i < end; ++i) {
-      if (!grow_imperfect(*some[i], aids_of(worker))) continue;
-      drop_many_events(*some[i]);
-      some[i]->sort_missense();
-      accepted[i] = 1;
+/// A seed that does not reach the user's thresholds goes back to the pool.
+void CSearchController::grow_exact_repeats(std::vector<GrownRepeat>& repeats) const {
+  constexpr std::size_t repeats_of_a_task = 64;
+  workers.run((repeats.size() + repeats_of_a_task - 1) / repeats_of_a_task, [&](std::size_t task, unsigned worker) {
+    GrowthAids& aids = aids_of(worker);
+    const std::size_t end = std::min((task + 1) * repeats_of_a_task, repeats.size());
+    for (std::size_t i = task * repeats_of_a_task; i < end; ++i) {
+      Csat*& sat = repeats[i].sat;
+      grow_imperfect(*sat, aids);
+      if (passes(*sat, minScores_user, minLengths_user)) {
+        drop_many_events(*sat);
+        sat->sort_missense();
+      } else {
+        sat_alloc.give_back(sat);
+        sat = nullptr;
+      }
     }
   });
-  for (std::size_t i = 0; i < some.size(); ++i) {
-    if (accepted[i] != 0) {
-      imperfect_sats.sats.splice(imperfect_sats.sats.end(), seeds, seeds.begin());
-    } else {
-      sat_alloc.give_back(some[i]);
-      seeds.pop_front();
-    }
-  }
 }

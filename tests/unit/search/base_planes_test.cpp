@@ -76,4 +76,35 @@ TEST(BasePlanesTest, TheBitsFromAnyBaseTellTheBasesApart) {
   }
 }
 
+TEST(BasePlanesTest, TheFirstNFromAnyBaseIsFound) {
+  for (const std::size_t size : {0, 1, 63, 64, 65, 127, 128, 129, 200}) {
+    for (const std::size_t unknown : {0, 1, 62, 63, 64, 65, 127, 128, 199, 200}) {
+      std::string text(size, 'T');
+      if (unknown < size) text[unknown] = 'N';
+      const BasePlanes planes = planes_of(text);
+      for (std::size_t first = 0; first <= size; ++first) {
+        const std::size_t expected = std::min(text.find('N', first), size);
+        ASSERT_EQ(planes.first_unknown(static_cast<std::int64_t>(first)), static_cast<std::int64_t>(expected))
+            << size << " bases, N at " << unknown << ", from " << first;
+      }
+    }
+  }
+}
+
+// At every place in a word, every letter.
+TEST(BasePlanesTest, EveryLetterIsToldFromTheOthersAtEveryPlace) {
+  for (std::size_t place = 0; place < 130; ++place) {
+    for (const char letter : std::string("ACGTN")) {
+      std::string text(130, 'A');
+      text[place] = letter;
+      const BasePlanes planes = planes_of(text);
+      const auto at = static_cast<std::int64_t>(place);
+      EXPECT_EQ(planes.unknown_bits(at) & 1, letter == 'N' ? 1U : 0U);
+      if (letter == 'N') continue;
+      EXPECT_EQ(planes.low_bits(at) & 1, letter == 'C' || letter == 'G' ? 1U : 0U);
+      EXPECT_EQ(planes.high_bits(at) & 1, letter == 'G' || letter == 'T' ? 1U : 0U);
+    }
+  }
+}
+
 }  // namespace
