@@ -7,7 +7,8 @@ _ostrel() {
   local options='--bed -D --dontRemoveMostlyOverlapping -f --flanking --firstSeq -g --indelScore --gff3 -h --help --jsonl
     --lastSeq -l --minLength --minLength_a --minLength_b -m --mismatchScore -M --searchMode --maskX -N --succN
     --NsAsMissense --NPerfectionMode --outputFormat -P --minPerfection --printRepeatSeqMode --progress -r --recursion
-    --reportUnit -s --minScore --minScore_a --minScore_b --tsv -u --minUnitLen -U --maxUnitLen -v --version --ignore_rest'
+    --reportUnit -s --minScore --minScore_a --minScore_b --threads --tsv -u --minUnitLen -U --maxUnitLen -v --version
+    --ignore_rest'
 
   COMPREPLY=()
   for ((i = 1; i < COMP_CWORD; i++)); do
@@ -23,7 +24,7 @@ _ostrel() {
     -u | --minUnitLen) values='1 2' ;;
     -f | --flanking | --firstSeq | -g | --indelScore | --lastSeq | -l | --minLength | --minLength_a | --minLength_b | \
       -m | --mismatchScore | -N | --succN | -P | --minPerfection | -r | --recursion | -s | --minScore | --minScore_a | \
-      --minScore_b | -U | --maxUnitLen)
+      --minScore_b | --threads | -U | --maxUnitLen)
       return # a number that only the user knows
       ;;
     *)
