@@ -4,10 +4,11 @@
 
 _ostrel() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} values='' i
-  local options='-D --dontRemoveMostlyOverlapping -f --flanking --firstSeq -g --indelScore -h --help --lastSeq
-    -l --minLength --minLength_a --minLength_b -m --mismatchScore -M --searchMode --maskX -N --succN --NsAsMissense
-    --NPerfectionMode --outputFormat -P --minPerfection --printRepeatSeqMode --progress -r --recursion --reportUnit
-    -s --minScore --minScore_a --minScore_b -u --minUnitLen -U --maxUnitLen -v --version --ignore_rest'
+  local options='--bed -D --dontRemoveMostlyOverlapping -f --flanking --firstSeq -g --indelScore --gff3 -h --help --jsonl
+    --lastSeq -l --minLength --minLength_a --minLength_b -m --mismatchScore -M --searchMode --maskX -N --succN
+    --NsAsMissense --NPerfectionMode --outputFormat -P --minPerfection --printRepeatSeqMode --progress -r --recursion
+    --reportUnit -s --minScore --minScore_a --minScore_b --threads --tsv -u --minUnitLen -U --maxUnitLen -v --version
+    --ignore_rest'
 
   COMPREPLY=()
   for ((i = 1; i < COMP_CWORD; i++)); do
@@ -17,12 +18,13 @@ _ostrel() {
     fi
   done
   case $before in
+    --bed | --gff3 | --jsonl | --tsv) ;; # a file
     -M | --searchMode) values='exact extendExact imperfect' ;;
     --outputFormat | --printRepeatSeqMode | --reportUnit | --NPerfectionMode) values='0 1 2' ;;
     -u | --minUnitLen) values='1 2' ;;
     -f | --flanking | --firstSeq | -g | --indelScore | --lastSeq | -l | --minLength | --minLength_a | --minLength_b | \
       -m | --mismatchScore | -N | --succN | -P | --minPerfection | -r | --recursion | -s | --minScore | --minScore_a | \
-      --minScore_b | -U | --maxUnitLen)
+      --minScore_b | --threads | -U | --maxUnitLen)
       return # a number that only the user knows
       ;;
     *)
