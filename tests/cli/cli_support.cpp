@@ -105,6 +105,13 @@ void limit_memory(std::size_t bytes) {
   setrlimit(RLIMIT_AS, &limit);
 }
 
+/// The whole program is tested again with several threads, whose number stands in the environment.
+std::vector<std::string> with_threads(std::vector<std::string> arguments) {
+  const char* const threads = std::getenv("OSTREL_TEST_THREADS");
+  if (threads != nullptr) arguments.insert(arguments.begin(), {"--threads", threads});
+  return arguments;
+}
+
 [[noreturn]] void become_program(const std::vector<std::string>& arguments, const Surroundings& surroundings,
                                  const Terminal& terminal, const fs::path& dir, const fs::path& logs) {
   if (chdir(dir.c_str()) != 0) _exit(125);
@@ -120,7 +127,7 @@ void limit_memory(std::size_t bytes) {
   alarm(longest_run);
 
   std::string program = "ostrel";
-  std::vector<std::string> words(arguments);
+  std::vector<std::string> words = with_threads(arguments);
   std::vector<char*> argv{program.data()};
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
