@@ -105,6 +105,13 @@ void limit_memory(std::size_t bytes) {
   setrlimit(RLIMIT_AS, &limit);
 }
 
+void limit_file_size(std::size_t bytes) {
+  if (bytes == 0) return;
+  std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit limit{bytes, bytes};
+  setrlimit(RLIMIT_FSIZE, &limit);
+}
+
 /// The whole program is tested again with several threads, whose number stands in the environment.
 std::vector<std::string> with_threads(std::vector<std::string> arguments) {
   const char* const threads = std::getenv("OSTREL_TEST_THREADS");
@@ -124,6 +131,7 @@ std::vector<std::string> with_threads(std::vector<std::string> arguments) {
   if (surroundings.stdout_is_closed_pipe) redirect_to_closed_pipe(STDOUT_FILENO);
   if (surroundings.stdin_is_closed) close(STDIN_FILENO);
   limit_memory(surroundings.memory_limit);
+  limit_file_size(surroundings.file_size_limit);
   alarm(longest_run);
 
   std::string program = "ostrel";
