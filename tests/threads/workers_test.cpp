@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -119,14 +120,17 @@ struct Unwinding {
 };
 
 TEST(WorkersTest, OfSeveralExceptionsTheFirstLeaves) {
+  std::atomic<bool> both_begun{false};
   std::atomic<bool> thrown{false};
   std::string caught;
   try {
-    Workers(2).run(2, [&thrown](std::size_t task, unsigned) {
+    Workers(2).run(2, [&](std::size_t task, unsigned) {
       if (task == 0) {
         const Unwinding unwinding{thrown};
+        while (!both_begun) pause_for(1);
         throw std::runtime_error("first");
       }
+      both_begun = true;
       while (!thrown) pause_for(1);
       pause_for(100);
       throw std::runtime_error("second");
