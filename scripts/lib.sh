@@ -88,3 +88,17 @@ build() {
   [[ -e $root/build/$1/build.ninja ]] || say "Building Ostrel ($1) ..."
   (quietly "Building Ostrel ($1)" configure_and_build "$1")
 }
+
+# test_threads CASES CTEST_OPTION...: runs what build/tsan holds: CASES comparisons with the reference of build/dev, and
+# the tests of the threads. A report of ThreadSanitizer ends a program with an exit status of its own.
+test_threads() {
+  local cases=$1 tests=$root/build/dev/tests run=()
+  shift
+  # ThreadSanitizer needs its addresses free, which they may not be where the system puts things at random places.
+  ! setarch -R true 2>/dev/null || run=(setarch -R)
+  "${run[@]}" "$tests/differential/differential" "$root/build/tsan/src/driver/ostrel" \
+    "$tests/reference/ostrel-reference" --extra "--threads 3" --first-seed 2001 --cases "$cases" --jobs "$(nproc)" \
+    --keep "$root/build/tsan/differential-failures" &&
+    "${run[@]}" ctest --test-dir "$root/build/tsan" -R '^threads[.]' --output-on-failure --no-tests=error \
+      --timeout 600 -j "$(nproc)" "$@" 2>&1 | tee "$root/build/tsan/ctest.log"
+}

@@ -181,6 +181,7 @@ void process_record(Run& run) {
   const std::string& name = run.sequence.name;
   if (run.counter < global_sequence_from || run.counter > global_sequence_to) {
     finish_waiting_records(run);
+    if (run.out.has_failed()) return;
     general_PrintMessage(stderr, "Skipping sequence ", number2str(run.counter), ": ", name + "\n");
     std::fflush(stderr);
     return;
@@ -279,6 +280,7 @@ int process_records_to_end(Run& run) {
     }
   } catch (int fasta_error) {
     finish_waiting_records(run);
+    if (run.out.has_failed()) return EXIT_WRITE_FAILED;
     run.out.flush();  // what was found comes before the reason why there is no more
     report_malformed_input(run, fasta_error);
     return EXIT_MALFORMED_INPUT;

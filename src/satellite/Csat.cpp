@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
+#include <new>
 
 #include "sequence/global-types-and-parameters.h"
 
@@ -101,9 +102,13 @@ std::size_t Csat_garbagecollector::size() const {
   return spare.size();
 }
 
-void Csat_garbagecollector::give_back(Csat* sat) {
+void Csat_garbagecollector::give_back(Csat* sat) noexcept {
   const std::lock_guard<std::mutex> lock(mutex);
-  spare.push_back(sat);
+  try {
+    spare.push_back(sat);
+  } catch (const std::bad_alloc&) {
+    delete sat;
+  }
 }
 
 void Csat_garbagecollector::give_back_all(std::list<Csat*>& sats) {

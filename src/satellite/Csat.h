@@ -100,8 +100,8 @@ class Csat_garbagecollector {
   /// A record for the seed [begin, end), from the pool or new.
   Csat* take(const char* begin, const char* end);
 
-  /// Puts a record at the end of the pool.
-  void give_back(Csat* sat);
+  /// Puts a record at the end of the pool, or frees it if there is no memory for its place there.
+  void give_back(Csat* sat) noexcept;
 
   /// Moves all records of `sats` to the end of the pool, in their order.
   void give_back_all(std::list<Csat*>& sats);
@@ -117,6 +117,6 @@ extern Csat_garbagecollector sat_alloc;
 
 /// A record that goes back to the pool unless it is released.
 struct GiveBackSat {
-  void operator()(Csat* sat) const { sat_alloc.give_back(sat); }
+  void operator()(Csat* sat) const noexcept { sat_alloc.give_back(sat); }
 };
 using OwnedSat = std::unique_ptr<Csat, GiveBackSat>;

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -42,13 +41,13 @@ class Queue {
 class Helpers {
  public:
   Helpers(Queue& queue, std::size_t number) {
-    threads_.reserve(number);
     try {
+      threads_.reserve(number);
       for (std::size_t i = 0; i < number; ++i) {
         threads_.emplace_back([&queue, i] { queue.work_off(static_cast<unsigned>(i + 1)); });
       }
-    } catch (const std::system_error&) {
-      // The threads that there are will do.
+    } catch (const std::exception&) {
+      // The system gives no more threads, or there is no memory for one. Those that there are will do.
     }
   }
   Helpers(const Helpers&) = delete;

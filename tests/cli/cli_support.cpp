@@ -105,6 +105,20 @@ void limit_memory(std::size_t bytes) {
   setrlimit(RLIMIT_AS, &limit);
 }
 
+void limit_file_size(std::size_t bytes) {
+  if (bytes == 0) return;
+  std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit limit{bytes, bytes};
+  setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+/// The whole program is tested again with several threads, whose number stands in the environment.
+std::vector<std::string> with_threads(std::vector<std::string> arguments) {
+  const char* const threads = std::getenv("OSTREL_TEST_THREADS");
+  if (threads != nullptr) arguments.insert(arguments.begin(), {"--threads", threads});
+  return arguments;
+}
+
 [[noreturn]] void become_program(const std::vector<std::string>& arguments, const Surroundings& surroundings,
                                  const Terminal& terminal, const fs::path& dir, const fs::path& logs) {
   if (chdir(dir.c_str()) != 0) _exit(125);
@@ -117,10 +131,11 @@ void limit_memory(std::size_t bytes) {
   if (surroundings.stdout_is_closed_pipe) redirect_to_closed_pipe(STDOUT_FILENO);
   if (surroundings.stdin_is_closed) close(STDIN_FILENO);
   limit_memory(surroundings.memory_limit);
+  limit_file_size(surroundings.file_size_limit);
   alarm(longest_run);
 
   std::string program = "ostrel";
-  std::vector<std::string> words(arguments);
+  std::vector<std::string> words = with_threads(arguments);
   std::vector<char*> argv{program.data()};
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);

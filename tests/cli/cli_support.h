@@ -28,6 +28,7 @@ struct Surroundings {
   bool stdout_is_closed_pipe = false;
   unsigned short terminal_columns = 0;  ///< standard error is a terminal of so many columns; 0: a file
   std::size_t memory_limit = 0;         ///< bytes of address space; 0: no limit
+  std::size_t file_size_limit = 0;      ///< bytes that a file may grow to, then writes fail; 0: no limit
 };
 
 /// The settings that the summary shows, at their defaults.

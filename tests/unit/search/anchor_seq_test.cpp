@@ -104,4 +104,72 @@ TEST_F(AnchorSeqTest, ResettingFreesEverything) {
   EXPECT_TRUE(is_free(19));
 }
 
+/// Parts of a sequence of several words, compared position by position with the whole.
+class AnchorPartTest : public testing::TestWithParam<std::size_t> {
+ protected:
+  static Csat repeat(const test::Sequence& sequence, std::ptrdiff_t begin, std::ptrdiff_t end,
+                     const std::vector<std::ptrdiff_t>& events) {
+    Csat sat;
+    sat.seed(sequence.at(begin), sequence.at(end));
+    for (const std::ptrdiff_t index : events) sat.missense.push_back({sequence.at(index), 'M'});
+    return sat;
+  }
+
+  /// Of the positions that the part may be asked for: one before it to one behind it, within the sequence's sentinels.
+  static void expect_same(const test::Sequence& sequence, const CAnchorSeq& whole, const CAnchorSeq& part,
+                          std::size_t first_word, std::size_t words) {
+    const auto size = static_cast<std::ptrdiff_t>(sequence.mol.sequence.length);
+    const auto begin = static_cast<std::ptrdiff_t>(64 * first_word);
+    const std::ptrdiff_t end = std::min(size, begin + static_cast<std::ptrdiff_t>(64 * words));
+    for (std::ptrdiff_t index = begin - 1; index <= end; ++index) {
+      ASSERT_EQ(part.is_free(sequence.at(index)), whole.is_free(sequence.at(index)))
+          << index << " in the part of " << words << " words from word " << first_word;
+    }
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Lengths, AnchorPartTest, testing::Values(1, 2, 62, 63, 64, 65, 127, 128, 129, 320),
+                         testing::PrintToStringParamName());
+
+TEST_P(AnchorPartTest, HasTheStateOfTheWhole) {
+  const test::Sequence sequence(std::string(GetParam(), 'A'));
+  const auto size = static_cast<std::ptrdiff_t>(GetParam());
+  CAnchorSeq whole(sequence.mol.begin(), sequence.mol.sequence.length);
+  for (std::ptrdiff_t index = 0; index < size; index += 1 + index % 3) {
+    whole.cover(repeat(sequence, index, index + 1, {}));
+  }
+  for (std::size_t first = 0; 64 * first < GetParam(); ++first) {
+    for (std::size_t words = 1; 64 * (first + words - 1) <= GetParam(); ++words) {
+      expect_same(sequence, whole, whole.part(first, words), first, words);
+    }
+  }
+}
+
+TEST_P(AnchorPartTest, IsCoveredAsTheWholeIs) {
+  const test::Sequence sequence(std::string(GetParam(), 'A'));
+  const auto size = static_cast<std::ptrdiff_t>(GetParam());
+  for (std::size_t first = 0; 64 * first < GetParam(); ++first) {
+    for (const std::ptrdiff_t begin : {0, 1, 62, 63, 64, 65, 127, 128, 129, 192, 319}) {
+      for (const std::ptrdiff_t length : {1, 2, 63, 64, 65, 128, 320}) {
+        if (begin + length > size) continue;
+        CAnchorSeq whole(sequence.mol.begin(), sequence.mol.sequence.length);
+        CAnchorSeq part = whole.part(first, 2);
+        const Csat sat = repeat(sequence, begin, begin + length, {begin, begin + length / 2, begin + length - 1});
+        whole.cover(sat);
+        part.cover(sat);
+        expect_same(sequence, whole, part, first, 2);
+      }
+    }
+  }
+}
+
+TEST_P(AnchorPartTest, DoesNotChangeTheWhole) {
+  const test::Sequence sequence(std::string(GetParam(), 'A'));
+  const CAnchorSeq whole(sequence.mol.begin(), sequence.mol.sequence.length);
+  CAnchorSeq part = whole.part(0, 1);
+  part.cover(repeat(sequence, 0, 1, {}));
+  EXPECT_FALSE(part.is_free(sequence.at(0)));
+  EXPECT_TRUE(whole.is_free(sequence.at(0)));
+}
+
 }  // namespace
