@@ -134,3 +134,18 @@ std::int64_t BasePlanes::first_unknown(std::int64_t first) const {
   while (bits == 0) bits = unknown_[++word];  // behind the sequence everything is N
   return static_cast<std::int64_t>(word - 1) * 64 + __builtin_ctzll(bits);
 }
+
+std::int64_t BasePlanes::first_known(std::int64_t first) const {
+  auto word = static_cast<std::size_t>(first / 64) + 1;
+  std::uint64_t known = ~unknown_[word] & (~std::uint64_t{0} << (first % 64));
+  while (known == 0 && word < words_) known = ~unknown_[++word];
+  return static_cast<std::int64_t>(word - 1) * 64 + (known == 0 ? 64 : __builtin_ctzll(known));
+}
+
+std::int64_t BasePlanes::end_of_known_before(std::int64_t end) const {
+  if (end == 0) return 0;
+  auto word = static_cast<std::size_t>((end - 1) / 64) + 1;
+  std::uint64_t known = ~unknown_[word] & (~std::uint64_t{0} >> (63 - (end - 1) % 64));
+  while (known == 0 && word > 1) known = ~unknown_[--word];
+  return known == 0 ? 0 : static_cast<std::int64_t>(word - 1) * 64 + 64 - __builtin_clzll(known);
+}

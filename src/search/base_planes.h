@@ -26,6 +26,12 @@ class BasePlanes {
   /// The number of the first N at or after base `first`, or the length of the sequence; `first` is at most that.
   std::int64_t first_unknown(std::int64_t first) const;
 
+  /// The number of the first base at or after base `first` that is not N, or one that is not below the length of the
+  /// sequence.
+  std::int64_t first_known(std::int64_t first) const;
+  /// One past the number of the last base before base `end` that is not N; 0 if there is none.
+  std::int64_t end_of_known_before(std::int64_t end) const;
+
   /// The 64 bits of a plane from base `first` on, which must lie inside the sequence; beyond its end N, or any base.
   std::uint64_t low_bits(std::int64_t first) const { return bits_from(low_, first); }
   std::uint64_t high_bits(std::int64_t first) const { return bits_from(high_, first); }

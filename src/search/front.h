@@ -50,25 +50,29 @@ struct Front {
   }
 };
 
-/// Takes the run of N that begins at the front, if the rules let it. Returns false, with the front unchanged, when the
-/// run is longer than `rules.Ns_allowed`. `took` tells whether bases were taken.
+/// Takes the run of N that begins at the front, if the rules let it. `run` is its length, up to where nothing is left
+/// to take. Returns false, with the front unchanged, when it is longer than `rules.Ns_allowed`. `took` tells whether
+/// bases were taken.
 template <bool forward>
-bool cross_Ns(Front<forward>& front, const UnitCircle& circle, const char* limit, const ExtensionRules& rules,
+bool cross_Ns(Front<forward>& front, const UnitCircle& circle, std::int64_t run, const ExtensionRules& rules,
               bool& took) {
   took = false;
   if (rules.Ns_allowed == 0) return true;
-  Front<forward> ahead = front;
-  std::int64_t run = 0;
-  while (ahead.position != limit && ahead.next_base() == 'N') {
-    if (++run > rules.Ns_allowed) return false;
-    ahead.take_base();
-  }
+  if (run > rules.Ns_allowed) return false;
   if (rules.Ns_as_missense) return true;
-  ahead.num_Ns += static_cast<std::uint32_t>(run);
-  for (std::int64_t i = 0; i < run % circle.length(); ++i) ahead.step_unit(circle);
-  front = ahead;
+  front.position += forward ? run : -run;
+  front.num_Ns += static_cast<std::uint32_t>(run);
+  for (std::int64_t i = 0; i < run % circle.length(); ++i) front.step_unit(circle);
   took = true;
   return true;
+}
+
+/// The length of the run of N at the front, up to `limit`.
+template <bool forward>
+std::int64_t length_of_Ns(const Front<forward>& front, const char* limit) {
+  Front<forward> ahead = front;
+  while (ahead.position != limit && ahead.next_base() == 'N') ahead.take_base();
+  return forward ? ahead.position - front.position : front.position - ahead.position;
 }
 
 /// Grows the front base by base while the sequence agrees with the unit, +1 a base, and over admissible runs of N.
@@ -86,7 +90,7 @@ bool extend_exact(Front<forward>& front, const UnitCircle& circle, const char* l
     }
     if (base != 'N') return true;
     bool took = false;
-    if (!cross_Ns(front, circle, limit, rules, took)) return false;
+    if (!cross_Ns(front, circle, length_of_Ns(front, limit), rules, took)) return false;
     if (!took) return true;
   }
   return true;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <memory>
 
 #include "search/lag_kernel.h"
 
@@ -151,12 +152,15 @@ void LagFilter::mark_candidates(std::int64_t first, std::int64_t last, const Thr
   candidates.assign(static_cast<std::size_t>(last - first + 1), std::vector<std::uint64_t>(words, 0));
   for (const bool forward : {true, false}) {
     const LagTask task = make_task(first, last, minimum_scores, rules_, forward);
-    std::vector<RangeScan> scans;
-    for (unsigned i = 0; i < workers.count(); ++i) scans.emplace_back(begin_, end_, task, forward, candidates);
+    std::vector<std::unique_ptr<RangeScan>> scans(workers.count());
+    const auto scan_of = [&](unsigned worker) -> RangeScan& {
+      if (!scans[worker]) scans[worker] = std::make_unique<RangeScan>(begin_, end_, task, forward, candidates);
+      return *scans[worker];
+    };
     std::atomic<std::size_t> done{0};
-    const std::size_t blocks = scans.front().blocks();
+    const std::size_t blocks = scan_of(0).blocks();
     workers.run_apart(blocks, [&](std::size_t block, unsigned worker) {
-      scans[worker].run(block);
+      scan_of(worker).run(block);
       ++done;
       if (worker == 0) report_share((forward ? 0 : 0.5) + static_cast<double>(done) / static_cast<double>(2 * blocks));
     });

@@ -60,6 +60,14 @@ class UnitRuns {
     return std::min(matches, room);
   }
 
+  /// As the plain length_of_Ns, only faster.
+  template <bool forward>
+  std::int64_t length_of_Ns(const Front<forward>& front, const char* limit) const {
+    const std::int64_t position = front.position - first_base_;
+    return forward ? std::min(planes_.first_known(position), limit - first_base_) - position
+                   : position - std::max(planes_.end_of_known_before(position), limit - first_base_);
+  }
+
   /// Moves the front over `bases` bases, each against a unit base. The score stays.
   template <bool forward>
   void advance(Front<forward>& front, std::int64_t bases) const {
@@ -77,7 +85,7 @@ class UnitRuns {
       front.score += matches;
       if (front.position == limit || front.next_base() != 'N') return true;
       bool took = false;
-      if (!cross_Ns(front, circle_, limit, rules, took)) return false;
+      if (!cross_Ns(front, circle_, length_of_Ns(front, limit), rules, took)) return false;
       if (!took) return true;
     }
   }
