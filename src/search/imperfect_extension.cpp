@@ -20,7 +20,7 @@ class ImperfectWalk {
  public:
   /// `untold` null: all events are noted. Otherwise long stretches that a guide leads along are only named there.
   ImperfectWalk(Csat& record, const char* sequence_limit, const ExtensionRules& extension_rules,
-                const BasePlanes& planes, const char* first_base_of_sequence, WalkAids<forward>& aids,
+                const BasePlanes& planes, const char* first_base_of_sequence, WalkAids<forward>& walk_aids,
                 std::vector<GuidedStretch<forward>>* untold)
       : sat(record),
         circle{record.unit_begin, record.unit_end},
@@ -28,12 +28,13 @@ class ImperfectWalk {
         rules(extension_rules),
         bound(-circle.length()),
         runs(planes, first_base_of_sequence, circle),
-        window(planes, runs, first_base_of_sequence, circle, extension_rules, aids.space),
+        window(planes, runs, first_base_of_sequence, circle, extension_rules, walk_aids.space),
         first_base(first_base_of_sequence),
-        guides(aids.guides),
-        memo(aids.memo),
-        level(aids.level),
-        next_level(aids.next_level),
+        aids(walk_aids),
+        guides(walk_aids.guides),
+        memo(walk_aids.memo),
+        level(walk_aids.level),
+        next_level(walk_aids.next_level),
         stretches(untold) {}
 
   /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the
@@ -41,16 +42,16 @@ class ImperfectWalk {
   /// events.
   void run() {
     if (stretches != nullptr) stretches->clear();
-    guides.begin_walk(circle);
+    aids.begin_walk(circle, limit);
     State state{Front<forward>::of(sat), {sat.mismatches, sat.insertions, sat.deletions}, sat.missense.size, 0, 0};
     bool way_is_free = runs.extend_exact(state.front, limit, rules);
     State best = state;
     while (way_is_free && rules.maximum_depth > 0 && state.front.position != limit) {
       if (follow_guide(state, best)) continue;
-      const Step step = next_step(state.front);
-      if (step.kind == '-') break;
-      commit(step.kind, state);
-      way_is_free = extend_exact(step, state.front);
+      const char kind = next_step(state.front);
+      if (kind == '-') break;
+      commit(kind, state);
+      way_is_free = runs.extend_exact(state.front, limit, rules);
       if (state.front.score > best.front.score) best = state;
     }
     guides.end_stretch();
@@ -62,7 +63,6 @@ class ImperfectWalk {
 
   using Counts = typename WalkGuide<forward>::Counts;
   using Hit = typename WalkGuides<forward>::Hit;
-  using Step = typename StepMemo<forward>::Step;
 
   struct State {
     FrontState front;
@@ -100,33 +100,31 @@ class ImperfectWalk {
     return front.score + rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score) > bound;
   }
 
-  Step next_step(const FrontState& front) {
+  char next_step(const FrontState& front) {
     if (!all_permitted(front)) {
       guides.end_stretch();
-      return {choose_step(front)};
+      return choose_step(front);
     }
-    const Step step = remembered_step(front);
-    guides.note(front, step.kind);
-    return step;
+    const char kind = remembered_step(front);
+    guides.note(front, kind);
+    return kind;
   }
 
   /// The best step where all are permitted, found or remembered.
-  Step remembered_step(const FrontState& front) {
+  char remembered_step(const FrontState& front) {
     const std::int64_t rest = unit_bases_ahead(front);
-    const Step known = memo.step_at(front, rest);
-    if (known.kind != '?') return known;
+    const char known = memo.step_at(front, rest);
+    if (known != '?') return known;
     const char kind = window.choose(front, limit, true, true);
-    if (kind == '?') return {deep_step(front, true, true)};
+    if (kind == '?') return deep_step(front, true, true);
     memo.note(front, kind, rest, window.unit_bases_seen());
-    return {kind};
+    return kind;
   }
 
   /// Until the unit begins anew.
   std::int64_t unit_bases_ahead(const FrontState& front) const {
     return forward ? circle.end - front.unit : front.unit + 1 - circle.begin;
   }
-
-  bool extend_exact(const Step& /*step*/, FrontState& front) const { return runs.extend_exact(front, limit, rules); }
 
   /// Follows a guide that stands where the walk has stopped, as far as it leads and everything is permitted. False if
   /// the walk has not moved.
@@ -283,6 +281,7 @@ class ImperfectWalk {
   const UnitRuns runs;
   LookaheadWindow<forward> window;
   const char* const first_base;
+  WalkAids<forward>& aids;
   WalkGuides<forward>& guides;
   StepMemo<forward>& memo;
   FrontSet<forward>& level;

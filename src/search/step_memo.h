@@ -20,18 +20,17 @@ class StepMemo {
   /// `first_base` is the first base of the sequence.
   explicit StepMemo(const char* first_base) : first_base_(first_base) {}
 
-  struct Step {
-    char kind;
-  };
+  /// Empties the memo.
+  void forget() { table_.clear(); }
 
   /// The step noted for a walk that has stopped at `front`; '?' if there is none. `rest` unit bases are left until the
   /// unit begins anew.
-  Step step_at(const Front<forward>& front, std::int64_t rest) const {
-    if (table_.empty() || !has_key(front)) return {'?'};
+  char step_at(const Front<forward>& front, std::int64_t rest) const {
+    if (table_.empty() || !has_key(front)) return '?';
     const std::uint64_t entry = table_[slot_of(key_of(front))];
-    if (entry >> value_bits != key_of(front)) return {'?'};
+    if (entry >> value_bits != key_of(front)) return '?';
     const auto seen = static_cast<std::int64_t>(entry >> kind_bits & most_seen);
-    return {seen <= rest ? kinds[entry & kind_mask] : '?'};
+    return seen <= rest ? kinds[entry & kind_mask] : '?';
   }
 
   /// Notes a step for which the lookahead has seen at most `seen` unit bases, if that is no more than `rest`.

@@ -19,8 +19,21 @@ struct WalkAids {
   /// Of the record grown last: stretches whose events are not in its list.
   std::vector<GuidedStretch<forward>> untold;
 
+  /// To be called before a walk that has to end at `limit`: what was remembered holds for one limit only.
+  void begin_walk(const UnitCircle& circle, const char* limit) {
+    if (limit != limit_) {
+      guides.forget();
+      memo.forget();
+      limit_ = limit;
+    }
+    guides.begin_walk(circle);
+  }
+
   /// The sequence, half-open range.
   WalkAids(const char* begin, const char* end) : guides(begin, end), memo(begin) {}
+
+ private:
+  const char* limit_ = nullptr;
 };
 
 /// Both directions of one thread.

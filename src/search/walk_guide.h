@@ -159,6 +159,12 @@ class WalkGuides {
         most_stops_(((std::size_t{8} << 20) + static_cast<std::size_t>(end - begin) / 8) / sizeof(Stop)),
         is_usable_(end - begin <= INT32_MAX) {}
 
+  /// Lets go of all guides.
+  void forget() {
+    guides_.clear();
+    stops_ = 0;
+  }
+
   /// To be called before the steps of a walk.
   void begin_walk(const UnitCircle& circle) {
     circle_ = circle;
