@@ -6,6 +6,7 @@
 #include <htslib/hts_log.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <array>
@@ -81,18 +82,33 @@ std::size_t ByteSource::read_plain(char* to, std::size_t n) {
   return static_cast<std::size_t>(got);
 }
 
+/// The library hands out whole blocks only. What it had decompressed of the last one of a gzip file when the input
+/// ended stands in its buffer; in a damaged one it would be anything.
+void ByteSource::salvage_gzip() {
+  const bool is_cut_off = bgzf_->is_gzip != 0 && bgzf_->gz_stream->avail_in == 0;
+  if (!is_cut_off || bgzf_->block_offset != 0) return;
+  const std::size_t decompressed = BGZF_MAX_BLOCK_SIZE - std::size_t{bgzf_->gz_stream->avail_out};
+  salvaged_.assign(static_cast<const char*>(bgzf_->uncompressed_block), decompressed);
+}
+
 std::size_t ByteSource::read_compressed(char* to, std::size_t n) {
   std::size_t got = 0;
   while (got < n && !damaged_) {
     const int next = bgzf_peek(bgzf_.get());
     if (next == -1) break;
-    damaged_ = next < 0;
-    if (damaged_) break;
+    if (next < 0) {
+      damaged_ = true;
+      salvage_gzip();
+      break;
+    }
     // Never across the end of a block: if the next one were damaged, these bytes would be lost with it.
     const auto in_block = static_cast<std::size_t>(bgzf_->block_length - bgzf_->block_offset);
     const ssize_t taken = bgzf_read(bgzf_.get(), to + got, std::min(in_block, n - got));
     got += static_cast<std::size_t>(taken);
   }
+  const std::size_t taken = salvaged_.copy(to + got, n - got);
+  salvaged_.erase(0, taken);
+  got += taken;
   if (!damaged_ || got > 0) return got;
   throw static_cast<int>(herrno(bgzf_->fp) != 0 ? FASTA_READ_FAILED : FASTA_DAMAGED_COMPRESSION);
 }

@@ -26,8 +26,8 @@ class ByteSource {
   bool is_open() const { return file_ != nullptr || bgzf_ != nullptr; }
 
   /// Reads up to n bytes and returns how many there were: fewer than n only before the end or before damaged data, none
-  /// at the end. Throws FASTA_READ_FAILED, and FASTA_DAMAGED_COMPRESSION once all bytes before the damaged block
-  /// have been handed out.
+  /// at the end. Throws FASTA_READ_FAILED, and FASTA_DAMAGED_COMPRESSION once all bytes before the damaged block,
+  /// or before the end of a gzip file that was cut off, have been handed out.
   std::size_t read(char* to, std::size_t n);
 
   /// The size of the file in bytes, compressed if it is so; 0 if it is not known, as for a pipe.
@@ -43,6 +43,7 @@ class ByteSource {
   void look_for_compression();
   std::size_t read_plain(char* to, std::size_t n);
   std::size_t read_compressed(char* to, std::size_t n);
+  void salvage_gzip();
 
   struct Close {
     void operator()(hFILE* file) const;
@@ -52,5 +53,6 @@ class ByteSource {
   std::unique_ptr<BGZF, Close> bgzf_;
   std::uint64_t size_ = 0;
   bool looked_ = false;
+  std::string salvaged_;  ///< the last bytes of a gzip file that was cut off
   bool damaged_ = false;  ///< nothing behind the bytes handed out so far can be decompressed
 };

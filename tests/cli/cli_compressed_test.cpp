@@ -1,5 +1,7 @@
 // Compressed input and standard input.
 
+#include <random>
+
 #include "cli_support.h"
 #include "compressed.h"
 
@@ -79,8 +81,16 @@ TEST_F(CliCompressedTest, RecordsBeforeADamagedBlockAreReported) {
 
 TEST_F(CliCompressedTest, TruncatedGzipIsMalformed) {
   const std::string member = test::gzip_of(two_records);
-  expect_malformed(member.substr(0, member.size() - 1), "", "record 1, line 1: " + damaged);
+  expect_malformed(member.substr(0, member.size() - 1), ">a\nsequence length: 4\n", "record 2, line 5: " + damaged);
   expect_malformed("\x1f\x8b", "", "record 1, line 1: " + damaged);
+}
+
+TEST_F(CliCompressedTest, WhatStandsBeforeTheCutOfAGzipFileIsSearched) {
+  std::mt19937 random(11);
+  std::string text = ">a\nACGT\n>b\n";
+  while (text.size() < 4000) text += "ACGT"[random() % 4];
+  const std::string member = test::gzip_of(text + "\n");
+  expect_malformed(member.substr(0, member.size() / 2), ">a\nsequence length: 4\n", "record 2, line 4: " + damaged);
 }
 
 TEST_F(CliCompressedTest, CompressedNothingIsMalformedLikeAnEmptyFile) {

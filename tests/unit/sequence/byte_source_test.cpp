@@ -123,9 +123,18 @@ TEST(ByteSourceTest, ABlockThatEndsTooEarlyIsDamaged) {
   for (std::size_t size = 2; size < blocks.size(); ++size) expect_damaged(blocks.substr(0, size), "");
 }
 
-TEST(ByteSourceTest, AGzipMemberThatEndsTooEarlyIsDamaged) {
-  const std::string member = gzip_of("ACGTA");
-  for (std::size_t size = 2; size < member.size(); ++size) expect_damaged(member.substr(0, size), "");
+TEST(ByteSourceTest, OfAGzipMemberThatEndsTooEarlyTheBeginningIsHandedOut) {
+  const std::string text = text_of(100000);
+  const std::string member = gzip_of(text);
+  for (const std::size_t missing : {std::size_t{1}, std::size_t{40}, member.size() / 2, member.size() - 2}) {
+    for (const std::size_t step : {std::size_t{7}, std::size_t{100000}}) {
+      const Outcome outcome = read_all(member.substr(0, member.size() - missing), step);
+      EXPECT_EQ(outcome.error, FASTA_DAMAGED_COMPRESSION) << missing;
+      EXPECT_EQ(outcome.bytes, text.substr(0, outcome.bytes.size())) << missing;
+      EXPECT_EQ(outcome.bytes.size() == text.size(), missing == 1) << missing;
+      EXPECT_EQ(outcome.bytes.size() > text.size() / 4, missing < member.size() - 2) << missing;
+    }
+  }
 }
 
 TEST(ByteSourceTest, AGzipMemberWithAWrongChecksumIsDamaged) {
