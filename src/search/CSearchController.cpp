@@ -80,15 +80,15 @@ CandidateSet CSearchController::find_candidates(std::int64_t unit_length, std::i
   // No more bases than these lie outside the unit, each worth +1 at most.
   if (seeds <= 0 || seeds < minimum_score) return {};
   if (unit_length >= lag_range_first && unit_length <= lag_range_last) {
-    return {seeds, &lag_candidates[static_cast<std::size_t>(unit_length - lag_range_first)]};
+    return {seeds, nullptr, &lag_candidates[static_cast<std::size_t>(unit_length - lag_range_first)]};
   }
   ExtensionRules scan_rules = rules;
   scan_rules.maximum_depth = depth;
-  if (!SeedFilter::is_useful(unit_length, minimum_score, scan_rules)) return {seeds, nullptr};
+  if (!SeedFilter::is_useful(unit_length, minimum_score, scan_rules)) return {seeds};
   SeedFilter(planes, seq.begin(), seq.end())
       .mark_candidates(unit_length, minimum_score, scan_rules, candidates, workers);
   if (minScores == &minScores_intern) drop_seeds_that_cannot_grow(unit_length);
-  return {seeds, &candidates};
+  return {seeds, &candidates, nullptr};
 }
 
 bool CSearchController::valid_starting_pattern(const char* begin, const char* end, const char* next_N) {

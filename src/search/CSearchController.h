@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <functional>
@@ -11,6 +12,7 @@
 #include "satellite/Csat.h"
 #include "search/CAnchorSeq.h"
 #include "search/base_planes.h"
+#include "search/candidate_words.h"
 #include "search/front.h"
 #include "search/thresholds.h"
 #include "search/walk_aids.h"
@@ -27,17 +29,33 @@ struct CsatContainer {
   ~CsatContainer() { sat_alloc.give_back_all(sats); }
 };
 
-/// The seeds of one unit length that must be tried, by their starts.
+/// The seeds of one unit length that must be tried, by their starts. What it points to is not owned.
 struct CandidateSet {
   std::int64_t seeds = 0;  ///< every start is below; 0-based
-  /// Bit p % 64 of word p / 64 for the start p; null: all of them. Not owned.
+  /// Bit p % 64 of word p / 64 for the start p.
   const std::vector<std::uint64_t>* bits = nullptr;
+  const CandidateWords* marked = nullptr;  ///< in place of bits; if both are null, all seeds must be tried
 
   std::size_t words() const { return static_cast<std::size_t>((seeds + 63) / 64); }
-  std::uint64_t word(std::size_t number) const {
+
+  /// Calls `visit` with the number and the bits of each of the words [first, end) that is not empty, in ascending order.
+  template <typename Visit>
+  void for_each_word(std::size_t first, std::size_t end, Visit visit) const {
+    if (marked != nullptr) {
+      marked->for_each(first, std::min(end, words()), visit);
+      return;
+    }
+    for (std::size_t number = first; number < std::min(end, words()); ++number) {
+      const std::uint64_t word = inside(number) & (bits == nullptr ? ~std::uint64_t{0} : (*bits)[number]);
+      if (word != 0) visit(number, word);
+    }
+  }
+
+ private:
+  /// Which bits of the word stand for seeds.
+  std::uint64_t inside(std::size_t number) const {
     const std::int64_t rest = seeds - 64 * static_cast<std::int64_t>(number);
-    const std::uint64_t inside = rest >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << rest) - 1;
-    return bits == nullptr ? inside : (*bits)[number] & inside;
+    return rest >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << rest) - 1;
   }
 };
 
@@ -191,5 +209,5 @@ class CSearchController {
   /// Candidates of the unit lengths that the lag filter has decided, an inclusive range; none if last < first.
   std::int64_t lag_range_first = 1;
   std::int64_t lag_range_last = 0;
-  std::vector<std::vector<std::uint64_t>> lag_candidates;
+  std::vector<CandidateWords> lag_candidates;
 };

@@ -17,14 +17,13 @@ template <typename TrySeed>
 void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed) {
   const CandidateSet set = find_candidates(unit_length, depth);
   std::size_t next_report = 0;
-  for (std::size_t word = 0; word < set.words(); ++word) {
-    std::uint64_t rest = set.word(word);
-    if (rest == 0) continue;  // stretches without candidates take no time worth a report
+  set.for_each_word(0, set.words(), [&](std::size_t word, std::uint64_t rest) {
+    // Stretches without candidates take no time worth a report.
     if (word >= next_report) {
       report_progress(seq.begin() + 64 * (word / 4 * 4), unit_length);
       next_report = word / 4 * 4 + 4;
     }
     const char* const first = seq.begin() + 64 * word;
     for (; rest != 0; rest &= rest - 1) try_seed(first + __builtin_ctzll(rest));
-  }
+  });
 }

@@ -91,11 +91,10 @@ class ImperfectPass {
 
   template <typename Visit>
   void for_each_seed(const CandidateSet& set, std::size_t first_word, Visit visit) const {
-    const std::size_t end_word = std::min(first_word + part_words_, set.words());
-    for (std::size_t word = first_word; word < end_word; ++word) {
+    set.for_each_word(first_word, first_word + part_words_, [&](std::size_t word, std::uint64_t rest) {
       const char* const first = controller_.seq.begin() + 64 * word;
-      for (std::uint64_t rest = set.word(word); rest != 0; rest &= rest - 1) visit(first + __builtin_ctzll(rest));
-    }
+      for (; rest != 0; rest &= rest - 1) visit(first + __builtin_ctzll(rest));
+    });
   }
 
   Part try_ahead(const CandidateSet& set, std::size_t first_word, unsigned worker) const {
@@ -181,13 +180,14 @@ void CSearchController::prepare_candidates(std::int64_t unit_length) {
   const auto useful = [this](std::int64_t L) {
     return !SeedFilter::is_useful(L, (*minScores)[L], rules) && LagFilter::is_useful(L, (*minScores)[L], rules);
   };
-  const LagFilter filter(seq.begin(), seq.end(), rules);
-  const std::int64_t last = filter.end_of_range(unit_length, longest_unit());
-  while (lag_range_last < last && useful(lag_range_last + 1)) ++lag_range_last;
-  if (lag_range_last < lag_range_first) return;
+  const std::int64_t last = LagFilter::end_of_range(unit_length, longest_unit());
+  std::int64_t last_useful = unit_length - 1;
+  while (last_useful < last && useful(last_useful + 1)) ++last_useful;
+  if (last_useful < unit_length) return;
   // Nearly all of the work on these unit lengths is done here.
-  const auto units = static_cast<double>(lag_range_last - lag_range_first + 1);
-  const auto done = static_cast<double>(lag_range_first - global_min_unit_length);
-  filter.mark_candidates(lag_range_first, lag_range_last, *minScores, lag_candidates, workers,
-                         [&](double share) { draw_progress(done + share * units); });
+  const auto units = static_cast<double>(last_useful - unit_length + 1);
+  const auto done = static_cast<double>(unit_length - global_min_unit_length);
+  lag_range_last = LagFilter(seq.begin(), seq.end(), rules)
+                       .mark_candidates(unit_length, last_useful, *minScores, lag_candidates, workers,
+                                        [&](double share) { draw_progress(done + share * units); });
 }

@@ -1,8 +1,6 @@
 #include "search/lag_filter.h"
 
 #include <algorithm>
-#include <atomic>
-#include <cstring>
 #include <memory>
 
 #include "search/lag_kernel.h"
@@ -13,123 +11,93 @@ namespace {
 constexpr std::int64_t shortest_unit = 8;
 /// Scores of longer units may not fit the 16 bits of a lane.
 constexpr std::int64_t longest_unit = 15000;
-/// Rows decided at a time, apart from very long units; the rows above them have to be worked as well.
-constexpr std::int64_t block_rows = 4096;
-/// The bit sets of a range may take this much, and half a byte for each base.
-constexpr std::int64_t free_bytes = std::int64_t{32} << 20;
-
-/// What the forward walk of an undecided seed may gain at most; the backward walk may gain the rest of the minimum
-/// score. A small share lets the backward walk end early, a large one decides more forward walks.
-std::int64_t forward_share(std::int64_t unit_length, std::int64_t minimum_score) {
-  return std::min((minimum_score - 1) / 2, 3 + unit_length / 10);
-}
-
-/// The most insertions, or deletions, of a walk that is still permitted to go on: it starts with `budget` above the
-/// bound and matches at most its unit.
-std::int64_t longest_drift(std::int64_t unit_length, std::int64_t budget, const ExtensionRules& rules) {
-  return (unit_length + budget - 1) / -rules.indel_score;
-}
+/// Units up to this length are decided by vectors of bytes, which hold more of them.
+constexpr std::int64_t longest_unit_in_bytes = 112;
+/// Seeds decided at a time start in a stretch of so many bases, apart from very long units; the bases around it have to
+/// be worked as well.
+constexpr std::int64_t block_bases = 4096;
+/// The candidates of a range may take this much, and half a byte for each base.
+constexpr std::size_t free_bytes = std::size_t{32} << 20;
 
 std::uint16_t clamped(std::int64_t value) {
   return static_cast<std::uint16_t>(std::clamp<std::int64_t>(value, 0, UINT16_MAX));
 }
 
-/// One direction of one range of unit lengths.
-LagTask make_task(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
-                  const ExtensionRules& rules, bool forward) {
-  const auto share = [&](std::int64_t L) { return forward_share(L, minimum_scores[L]); };
-  const auto budget = [&](std::int64_t L) { return forward ? L : L + share(L); };
-  std::int64_t most = 0;
-  for (std::int64_t L = first; L <= last; ++L) most = std::max(most, budget(L));
+/// What the forward walk of a seed may gain at most for the seed to be decided. The more it may be, the longer are the
+/// backward walks that have to be considered.
+std::int64_t most_forward_gain(std::int64_t unit_length, std::int64_t minimum_score) {
+  return std::min(minimum_score - 1, 8 + unit_length / 4);
+}
 
+LagTask make_task(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
+                  const ExtensionRules& rules) {
   LagTask task;
   task.first_unit = first;
   task.last_unit = last;
-  task.longest_insertion = longest_drift(last, most, rules);
-  task.first_lag = std::max<std::int64_t>(1, first - longest_drift(first, most, rules));
-  task.lanes = static_cast<std::size_t>((last + task.longest_insertion - task.first_lag) / 64 + 1) * 64;
   task.line_distance = std::max<std::int64_t>(1, first / 4);
-  task.mismatch = clamped(std::min(-rules.mismatch_score, -2 * rules.indel_score));
+  task.mismatch = clamped(-rules.mismatch_score);
   task.indel = clamped(-rules.indel_score);
-  task.start = clamped(most + 16);
-  task.crossing_limit.assign(task.lanes, 0);
-  task.gain_limit.assign(task.lanes, 0);
+  task.start = clamped((last <= longest_unit_in_bytes ? UINT8_MAX : UINT16_MAX) - last);
+  std::int64_t lowest_lag = first;
+  std::int64_t highest_lag = last;
   for (std::int64_t L = first; L <= last; ++L) {
-    const auto lane = static_cast<std::size_t>(L - task.first_lag);
-    task.crossing_limit[lane] = clamped(task.start - budget(L));
-    // Gains are cut off at the largest value of a lane, which must not look like little.
-    const std::int64_t gain = forward ? share(L) : minimum_scores[L] - 1 - share(L);
-    task.gain_limit[lane] = clamped(std::min<std::int64_t>(gain, 250));
+    const std::int64_t forward_gain = std::min(most_forward_gain(L, minimum_scores[L]), task.start - L);
+    task.most_forward_gain.push_back(clamped(forward_gain));
+    task.most_gain.push_back(clamped(minimum_scores[L] - 1));
+    // A walk that is permitted to go on begins at most so much above the bound, and matches at most its unit.
+    const std::int64_t most_indels = (L + (L + forward_gain) - 1) / -rules.indel_score;
+    lowest_lag = std::min(lowest_lag, L - most_indels);
+    highest_lag = std::max(highest_lag, L + most_indels);
   }
+  task.first_lag = std::max<std::int64_t>(1, lowest_lag);
+  task.lanes = static_cast<std::size_t>(highest_lag - task.first_lag) / 2 + 1;
   return task;
 }
 
-/// The decided rows of one direction. Backward walks are forward walks on the reversed sequence: row x then belongs to
-/// the seeds that end at base n - x, exclusive.
-class RangeScan {
+/// The decided seeds of a stretch, a bit for each.
+class BlockOfSeeds {
  public:
-  RangeScan(const char* begin, const char* end, const LagTask& task, bool forward,
-            std::vector<std::vector<std::uint64_t>>& candidates)
-      : begin_(begin),
-        size_(end - begin),
-        task_(task),
-        forward_(forward),
-        rows_(std::min(std::max(block_rows, 4 * task.last_unit), decidable())),
-        bases_(static_cast<std::size_t>(rows_ + task.last_unit + task.first_lag) + task.lanes + 64),
-        candidates_(candidates) {}
-
-  std::size_t blocks() const { return static_cast<std::size_t>((decidable() + rows_ - 1) / rows_); }
-
-  /// Decides the rows of one block. Their candidates may share words with those of the blocks beside it.
-  void run(std::size_t number) {
-    const std::int64_t first_row = static_cast<std::int64_t>(number) * rows_;
-    copy_bases(first_row);
-    const std::int64_t rest = size_ - first_row;
-    const LagRows rows{bases_.data(), std::min(rows_ + task_.last_unit, rest), 0, std::min(rows_, rest)};
-    certify_rows(task_, rows, [this, first_row](std::int64_t row, const std::uint8_t* certified) {
-      mark_row(first_row + row, certified);
+  BlockOfSeeds(const LagTask& task, const LagBlock& block)
+      : task_(task),
+        block_(block),
+        first_word_(std::max<std::int64_t>(0, block.first_row - task.last_unit) / 2 / 64),
+        words_((block.end_row - task.first_unit) / 2 / 64 + 1 - first_word_),
+        bits_(static_cast<std::size_t>((task.last_unit - task.first_unit + 1) * words_), 0) {
+    certify_block(task, block, [this](std::int64_t row, const std::uint8_t* open, std::size_t bytes) {
+      mark_row(row, open, bytes);
     });
   }
 
- private:
-  /// Outside the sequence stands a byte that is no base.
-  void copy_bases(std::int64_t first_row) {
-    std::memset(bases_.data(), 0, bases_.size());
-    const std::int64_t count = std::min(static_cast<std::int64_t>(bases_.size()), size_ - first_row);
-    if (forward_) {
-      std::copy_n(begin_ + first_row, count, bases_.data());
-    } else {
-      std::reverse_copy(begin_ + size_ - first_row - count, begin_ + size_ - first_row, bases_.data());
+  void append_to(CandidateWords& candidates, std::int64_t unit_length) const {
+    const std::uint64_t* const words = bits_.data() + (unit_length - task_.first_unit) * words_;
+    for (std::int64_t i = 0; i < words_; ++i) {
+      if (words[i] != 0) candidates.add(static_cast<std::size_t>(first_word_ + i), words[i]);
     }
   }
 
-  std::int64_t decidable() const { return size_ - task_.first_unit; }
-
-  void mark_row(std::int64_t x, const std::uint8_t* bits) {
-    const std::int64_t first_lane = task_.first_unit - task_.first_lag;
-    const std::int64_t last_lane = task_.last_unit - task_.first_lag;
-    for (std::int64_t byte = first_lane / 8; byte <= last_lane / 8; ++byte) {
-      for (unsigned rest = 0xFFU & ~static_cast<unsigned>(bits[byte]); rest != 0; rest &= rest - 1) {
-        const std::int64_t lane = 8 * byte + __builtin_ctz(rest);
-        if (lane >= first_lane && lane <= last_lane) mark(x, task_.first_lag + lane);
+ private:
+  void mark_row(std::int64_t row, const std::uint8_t* open, std::size_t bytes) {
+    const std::int64_t lowest_lag = task_.first_lag + ((row - task_.first_lag) & 1);
+    for (std::size_t byte = 0; byte < bytes; ++byte) {
+      for (unsigned rest = open[byte]; rest != 0; rest &= rest - 1) {
+        const auto lane = static_cast<std::int64_t>(8 * byte) + __builtin_ctz(rest);
+        mark(row, lowest_lag + 2 * lane);
       }
     }
   }
 
-  void mark(std::int64_t x, std::int64_t unit_length) {
-    const std::int64_t p = forward_ ? x : size_ - unit_length - x;
-    if (p < 0 || p >= size_ - unit_length) return;  // a seed must end before the last base
-    candidates_[static_cast<std::size_t>(unit_length - task_.first_unit)][static_cast<std::size_t>(p / 64)] |=
+  void mark(std::int64_t row, std::int64_t unit_length) {
+    const std::int64_t p = (row - unit_length) / 2;
+    if (row < unit_length || p >= block_.end - block_.begin - unit_length) return;  // it must end before the last base
+    bits_[static_cast<std::size_t>((unit_length - task_.first_unit) * words_ + p / 64 - first_word_)] |=
         std::uint64_t{1} << (p % 64);
   }
 
-  const char* begin_;
-  std::int64_t size_;
   const LagTask& task_;
-  bool forward_;
-  std::int64_t rows_;
-  std::vector<char> bases_;
-  std::vector<std::vector<std::uint64_t>>& candidates_;
+  const LagBlock block_;
+  const std::int64_t first_word_;
+  const std::int64_t words_;
+  std::vector<std::uint64_t> bits_;
 };
 
 }  // namespace
@@ -138,31 +106,40 @@ bool LagFilter::is_useful(std::int64_t unit_length, std::int64_t minimum_score, 
   return rules.maximum_depth > 0 && minimum_score >= 1 && unit_length >= shortest_unit && unit_length <= longest_unit;
 }
 
-std::int64_t LagFilter::end_of_range(std::int64_t first, std::int64_t last) const {
-  const std::int64_t bases = std::max<std::int64_t>(1, end_ - begin_);
-  const std::int64_t affordable = 4 + 8 * free_bytes / bases;
+std::int64_t LagFilter::end_of_range(std::int64_t first, std::int64_t last) {
   // Lines lie as far apart as the shortest unit of the range bears, so a wide range would need many of them.
-  return std::min({last, first + affordable - 1, first + first / 1, longest_unit});
+  const std::int64_t end = std::min({last, 2 * first, longest_unit});
+  return first <= longest_unit_in_bytes ? std::min(end, longest_unit_in_bytes) : end;
 }
 
-void LagFilter::mark_candidates(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
-                                std::vector<std::vector<std::uint64_t>>& candidates, const Workers& workers,
-                                const std::function<void(double)>& report_share) const {
-  const auto words = static_cast<std::size_t>((end_ - begin_ + 63) / 64);
-  candidates.assign(static_cast<std::size_t>(last - first + 1), std::vector<std::uint64_t>(words, 0));
-  for (const bool forward : {true, false}) {
-    const LagTask task = make_task(first, last, minimum_scores, rules_, forward);
-    std::vector<std::unique_ptr<RangeScan>> scans(workers.count());
-    const auto scan_of = [&](unsigned worker) -> RangeScan& {
-      if (!scans[worker]) scans[worker] = std::make_unique<RangeScan>(begin_, end_, task, forward, candidates);
-      return *scans[worker];
-    };
-    std::atomic<std::size_t> done{0};
-    const std::size_t blocks = scan_of(0).blocks();
-    workers.run_apart(blocks, [&](std::size_t block, unsigned worker) {
-      scan_of(worker).run(block);
-      ++done;
-      if (worker == 0) report_share((forward ? 0 : 0.5) + static_cast<double>(done) / static_cast<double>(2 * blocks));
+std::int64_t LagFilter::mark_candidates(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
+                                        std::vector<CandidateWords>& candidates, const Workers& workers,
+                                        const std::function<void(double)>& report_share) const {
+  const LagTask task = make_task(first, last, minimum_scores, rules_);
+  candidates.clear();
+  candidates.resize(static_cast<std::size_t>(last - first + 1));
+  const auto affordable = free_bytes + static_cast<std::size_t>(end_ - begin_) / 2;
+
+  const std::int64_t end_row = 2 * (end_ - begin_) - first;  // of the last seed, exclusive
+  const std::int64_t block_rows = 2 * std::max(block_bases, 4 * last);
+  const auto blocks = static_cast<std::size_t>((end_row - first + block_rows - 1) / block_rows);
+  const std::size_t at_once = std::size_t{8} * workers.count();
+  for (std::size_t done = 0; done < blocks; done += at_once) {
+    std::vector<std::unique_ptr<BlockOfSeeds>> decided(std::min(at_once, blocks - done));
+    workers.run(decided.size(), [&](std::size_t number, unsigned /*worker*/) {
+      const std::int64_t row = first + static_cast<std::int64_t>(done + number) * block_rows;
+      decided[number] = std::make_unique<BlockOfSeeds>(
+          task, LagBlock{begin_, end_, row, std::min(row + block_rows, end_row)});
     });
+    std::size_t bytes = 0;
+    for (std::int64_t L = first; L < first + static_cast<std::int64_t>(candidates.size()); ++L) {
+      CandidateWords& words = candidates[static_cast<std::size_t>(L - first)];
+      for (const auto& block : decided) block->append_to(words, L);
+      bytes += words.bytes();
+    }
+    // A sequence full of candidates: the longer units have to wait.
+    if (bytes > affordable) candidates.resize((candidates.size() + 1) / 2);
+    report_share(static_cast<double>(done + decided.size()) / static_cast<double>(blocks));
   }
+  return first + static_cast<std::int64_t>(candidates.size()) - 1;
 }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <vector>
 
+#include "search/candidate_words.h"
 #include "search/front.h"
 #include "search/thresholds.h"
 #include "search/workers.h"
@@ -17,19 +18,19 @@ class LagFilter {
   LagFilter(const char* begin, const char* end, const ExtensionRules& rules)
       : begin_(begin), end_(end), rules_(rules) {}
 
-  /// The last unit length of a range that begins at `first` and is decided together: not above `last`, few enough for
-  /// the bit sets of the range to stay within the memory that they may take.
-  std::int64_t end_of_range(std::int64_t first, std::int64_t last) const;
+  /// The last unit length, not above `last`, of a range that begins at `first` and is best decided together.
+  static std::int64_t end_of_range(std::int64_t first, std::int64_t last);
 
   /// Whether the filter can decide units of this length.
   static bool is_useful(std::int64_t unit_length, std::int64_t minimum_score, const ExtensionRules& rules);
 
-  /// Marks the seeds that must be tried, for the unit lengths first to last, inclusive, all useful. candidates[L -
-  /// first] has bit p % 64 of word p / 64 for the seed of unit length L that starts at base p.
+  /// Finds the seeds that must be tried, for the unit lengths from `first` to a last one that is returned: `last`, or
+  /// less if the candidates would take too much memory. All unit lengths must be useful. candidates[L - first] holds
+  /// the starts of the seeds of unit length L.
   /// Now and then `report_share` is told, by the calling thread, how much of the work is done, 0 to 1.
-  void mark_candidates(
+  std::int64_t mark_candidates(
       std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
-      std::vector<std::vector<std::uint64_t>>& candidates, const Workers& workers = Workers(1),
+      std::vector<CandidateWords>& candidates, const Workers& workers = Workers(1),
       const std::function<void(double)>& report_share = [](double) {}) const;
 
  private:

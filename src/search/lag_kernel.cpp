@@ -13,151 +13,266 @@ namespace lag_kernel::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// The rows of the programme, each `lanes` values with lost values around them so that neighbours need no bounds.
+/// A table of rows of values, in two parts for the two parities of a row. Each row has lost values around it, so that
+/// neighbours need no bounds, and begins where a vector is loaded best.
 template <typename Value>
 class ValueRows {
  public:
-  ValueRows(std::size_t rows, std::size_t lanes, std::size_t reach)
-      : stride_(front + lanes + reach + front), values_(rows * stride_ + front, 0) {}
-  Value* operator[](std::size_t row) { return values_.data() + row * stride_ + front; }
+  ValueRows(std::size_t rows, std::size_t lanes)
+      : stride_((lanes + 2 * margin + 63) / 64 * 64), values_(2 * rows * stride_ + 64 / sizeof(Value), 0) {
+    const auto address = reinterpret_cast<std::uintptr_t>(values_.data());
+    first_ = values_.data() + (64 - address % 64) % 64 / sizeof(Value);
+  }
+
+  Value* row(std::size_t number, std::size_t parity) { return first_ + (2 * number + parity) * stride_ + margin; }
+
+  /// From a row to the one of the other parity.
+  std::ptrdiff_t stride() const { return static_cast<std::ptrdiff_t>(stride_); }
 
  private:
-  static constexpr std::size_t front = 64;
+  static constexpr std::size_t margin = 64;
   std::size_t stride_;
   std::vector<Value> values_;
+  Value* first_;
 };
 
-template <typename Value>
-class Programme {
+/// The bases of a stretch, as the rows of a programme need them: the sequence ascending, the units descending. Outside
+/// the sequence stand bytes that match nothing.
+class RowBases {
  public:
-  Programme(const LagTask& task, const LagRows& rows)
+  /// Positions [first, end); they may lie outside the sequence [begin, end_of_sequence), which is read from its end if
+  /// `forward` is false.
+  RowBases(const char* begin, const char* end_of_sequence, bool forward, std::int64_t first, std::int64_t end)
+      : first_(first),
+        last_(end - 1),
+        ascending_(static_cast<std::size_t>(end - first) + 64, 0),
+        descending_(static_cast<std::size_t>(end - first) + 64, 0xFF) {
+    const std::int64_t size = end_of_sequence - begin;
+    for (std::int64_t i = std::max<std::int64_t>(0, first); i < std::min(end, size); ++i) {
+      const auto base = static_cast<std::uint8_t>(forward ? begin[i] : end_of_sequence[-1 - i]);
+      ascending_[static_cast<std::size_t>(i - first_)] = base;
+      descending_[static_cast<std::size_t>(last_ - i)] = base;
+    }
+  }
+
+  const std::uint8_t* from(std::int64_t position) const { return ascending_.data() + (position - first_); }
+  const std::uint8_t* down_from(std::int64_t position) const { return descending_.data() + (last_ - position); }
+
+ private:
+  std::int64_t first_;
+  std::int64_t last_;
+  std::vector<std::uint8_t> ascending_;
+  std::vector<std::uint8_t> descending_;
+};
+
+/// The programme in one direction over one block, with vectors of at most `most_lanes` lanes.
+template <typename Value, std::size_t most_lanes>
+class Sweep {
+ public:
+  using Tag = hn::CappedTag<Value, most_lanes>;
+  static std::size_t width() { return hn::Lanes(Tag()); }
+  static constexpr Value most = std::numeric_limits<Value>::max();
+
+  /// `lanes` is a multiple of `width`.
+  Sweep(const LagTask& task, std::size_t lanes)
       : task_(task),
-        rows_(rows),
-        lines_(static_cast<std::size_t>(task.last_unit / task.line_distance) + 2),
-        reach_(static_cast<std::size_t>(task.longest_insertion) + 64),
-        values_(lines_ + 1, task.lanes, reach_),
-        matched_(lines_ + 1, task.lanes, reach_),
-        direct_(lines_ + 1, task.lanes, reach_),
-        match_(1, task.lanes, reach_),
-        limits_(2, task.lanes, reach_),
-        lags_(1, task.lanes, reach_) {
-    for (std::size_t i = 0; i < task.lanes; ++i) {
-      limits_[0][i] = static_cast<Value>(task.gain_limit[i]);
-      limits_[1][i] = static_cast<Value>(task.crossing_limit[i]);
-      lags_[0][i] = static_cast<Value>(static_cast<std::size_t>(task.first_lag) + i);
+        lanes_(static_cast<std::int64_t>(lanes)),
+        slots_(static_cast<std::size_t>((2 * lanes_ + task.first_lag) / task.line_distance) + 2),
+        values_(1 + slots_, lanes),
+        lowest_(1, lanes) {}
+
+  /// Works the rows down to `first_row`. `decide` is called in each row below `end_row`.
+  template <typename Decide>
+  void run(const char* begin, const char* end, bool forward, std::int64_t first_row, std::int64_t end_row,
+           Decide decide) {
+    lines_.clear();
+    stand_at(end_row - 1);
+    lowest_line_ = floor_divided(sequence_ + last_unit_lane(), task_.line_distance) + 1;
+    // A walk may use up the unit of the last seed at the longest lag.
+    const std::int64_t top = end_row + 2 * task_.last_unit + 2 * lanes_ + 4;
+    stand_at(first_row);
+    const std::int64_t lowest = unit_ - lanes_;
+    stand_at(top);
+    const RowBases bases(begin, end, forward, lowest, sequence_ + lanes_ + 1);
+    for (std::int64_t row = top; row >= first_row; --row) {
+      stand_at(row);
+      begin_and_end_lines();
+      for (std::int64_t i = 0; i < lanes_; i += static_cast<std::int64_t>(width())) work(bases, i);
+      if (row < end_row) decide(row);
+    }
+  }
+
+  /// Of the present row.
+  std::size_t parity() const { return parity_; }
+  /// For each seed of the row the lowest of its crossings to the lines within its unit.
+  const Value* crossings() { return lowest_.row(0, 0); }
+  const Value* gains() { return values_.row(0, parity_); }
+
+ private:
+  using Vector = hn::Vec<Tag>;
+
+  static std::int64_t floor_divided(std::int64_t a, std::int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
+
+  std::int64_t last_unit_lane() const { return (task_.last_unit - task_.first_lag) / 2; }
+
+  /// Lane i of the row compares the unit base `unit_` - i with the sequence base `sequence_` + i.
+  void stand_at(std::int64_t row) {
+    const std::int64_t rest = row - task_.first_lag;
+    parity_ = static_cast<std::size_t>(rest & 1);
+    unit_ = (rest - static_cast<std::int64_t>(parity_)) / 2;
+    sequence_ = unit_ + task_.first_lag + static_cast<std::int64_t>(parity_);
+  }
+
+  std::int64_t highest_line() const { return lowest_line_ + static_cast<std::int64_t>(lines_.size()) - 1; }
+
+  /// Leaves the lines that no unit of this row or of a lower one comes to, and sets up those that have nodes below them
+  /// for the first time.
+  void begin_and_end_lines() {
+    while (!lines_.empty() && highest_line() * task_.line_distance > sequence_ + last_unit_lane()) lines_.pop_back();
+    const std::int64_t lowest_unit = unit_ - lanes_ + 1;
+    while (lowest_line_ > 1 && (lowest_line_ - 1) * task_.line_distance > lowest_unit) {
+      --lowest_line_;
+      const std::size_t slot = 1 + static_cast<std::size_t>(lowest_line_) % slots_;
+      for (const std::size_t parity : {0, 1}) {
+        std::fill_n(values_.row(slot, parity), lanes_, static_cast<Value>(task_.start));
+      }
+      lines_.insert(lines_.begin(), values_.row(slot, 0));
+    }
+  }
+
+  /// A cost as a value; what costs more than any value can lose is lost all the same.
+  static Value clamped(std::int64_t cost) { return static_cast<Value>(std::min<std::int64_t>(cost, most)); }
+
+  template <typename Bytes>
+  static auto widen(hn::CappedTag<std::uint16_t, most_lanes> d, Bytes bytes) {
+    return hn::PromoteTo(d, bytes);
+  }
+  template <typename Bytes>
+  static auto widen(hn::CappedTag<std::uint8_t, most_lanes> /*d*/, Bytes bytes) {
+    return bytes;
+  }
+
+  /// Works one vector of the row, from lane `first` on, in all tables.
+  void work(const RowBases& bases, std::int64_t first) {
+    const Tag d;
+    const hn::Rebind<std::uint8_t, Tag> bytes;
+    const auto other = hn::LoadU(bytes, bases.from(sequence_ + first));
+    const auto unit = hn::LoadU(bytes, bases.down_from(unit_ - first));
+    // An N of the sequence counts as a match: crossing it costs nothing.
+    const auto is_match = hn::Or(hn::Eq(other, unit), hn::Eq(other, hn::Set(bytes, std::uint8_t{'N'})));
+    const auto gained = widen(d, hn::And(hn::VecFromMask(bytes, is_match), hn::Set(bytes, std::uint8_t{1})));
+    const auto lost = hn::IfThenElseZero(hn::Eq(gained, hn::Zero(d)), hn::Set(d, clamped(task_.mismatch)));
+    const auto indel = hn::Set(d, clamped(task_.indel));
+    // Stores of bytes could change a member, for all that the compiler knows.
+    const std::ptrdiff_t here = first + (parity_ == 0 ? 0 : values_.stride());
+    const std::ptrdiff_t there = first + (parity_ == 0 ? values_.stride() : 0);
+    const std::ptrdiff_t beside = there + (parity_ == 0 ? -1 : 1);
+    const auto lanes = static_cast<std::int64_t>(width());
+    const std::int64_t distance = task_.line_distance;
+
+    Value* const table = values_.row(0, 0);
+    const auto most_gain = hn::Set(d, static_cast<Value>(task_.last_unit));
+    hn::Store(hn::Min(stepped(table, here, there, beside, gained, lost, indel), most_gain), d, table + here);
+
+    Value* const* line = lines_.data();
+    Value* const* const end = line + lines_.size();
+    const std::int64_t unit_end = unit_ - first + 1;  // nodes on a line and behind it keep the value that they began with
+    const std::int64_t last_line = sequence_ + first;  // the last that the unit of the first lane may come to
+    std::int64_t at = lowest_line_ * distance;
+    while (line != end && unit_end - at >= lanes) {
+      ++line;
+      at += distance;
+    }
+    auto lowest = hn::Set(d, most);
+    for (; line != end && at < unit_end; ++line, at += distance) {
+      const auto kept = hn::FirstN(d, static_cast<std::size_t>(unit_end - at));
+      const auto step = stepped(*line, here, there, beside, gained, lost, indel);
+      const auto value = hn::IfThenElse(kept, hn::Load(d, *line + here), step);
+      hn::Store(value, d, *line + here);
+      lowest = hn::Min(lowest, value);
+    }
+    for (; line != end && at <= last_line; ++line, at += distance) {
+      const auto value = stepped(*line, here, there, beside, gained, lost, indel);
+      hn::Store(value, d, *line + here);
+      lowest = hn::Min(lowest, value);
+    }
+    for (; line != end; ++line, at += distance) {
+      const auto value = stepped(*line, here, there, beside, gained, lost, indel);
+      hn::Store(value, d, *line + here);
+      if (at - last_line >= lanes) continue;
+      const auto too_short = hn::FirstN(d, static_cast<std::size_t>(at - last_line));
+      lowest = hn::IfThenElse(too_short, lowest, hn::Min(lowest, value));
+    }
+    hn::Store(lowest, d, lowest_.row(0, 0) + first);
+  }
+
+  /// The values of the present row from those of the two rows above, the older of which they take the place of.
+  static HWY_INLINE Vector stepped(const Value* table, std::ptrdiff_t here, std::ptrdiff_t there, std::ptrdiff_t beside,
+                                   Vector gained, Vector lost, Vector indel) {
+    const Tag d;
+    // Lags lie in the two parities in turn: the neighbours of lane i are lane i and one beside it.
+    const auto neighbours = hn::Max(hn::Load(d, table + there), hn::LoadU(d, table + beside));
+    const auto straight = hn::SaturatedSub(hn::SaturatedAdd(hn::Load(d, table + here), gained), lost);
+    return hn::Max(straight, hn::SaturatedSub(neighbours, indel));
+  }
+
+  const LagTask& task_;
+  const std::int64_t lanes_;
+  const std::size_t slots_;    ///< as many lines as can be worked at a time
+  ValueRows<Value> values_;    ///< row 0 holds the gains, the others the crossings to the lines, in turn
+  ValueRows<Value> lowest_;    ///< of the present row, and so below
+  std::size_t parity_ = 0;
+  std::int64_t unit_ = 0;
+  std::int64_t sequence_ = 0;
+  std::int64_t lowest_line_ = 1;  ///< number of the first of the lines that are worked
+  std::vector<Value*> lines_;     ///< their values, in ascending order
+};
+
+template <typename Value, std::size_t most_lanes>
+class BlockVerdicts {
+ public:
+  BlockVerdicts(const LagTask& task, const LagBlock& block)
+      : task_(task),
+        block_(block),
+        lanes_((task.lanes + width() - 1) / width() * width()),
+        first_lane_(static_cast<std::size_t>(task.first_unit - task.first_lag) / 2 / width() * width()),
+        end_lane_(static_cast<std::size_t>(task.last_unit - task.first_lag) / 2 / width() * width() + width()),
+        limits_(limit_rows, lanes_),
+        forward_gains_(static_cast<std::size_t>(block.end_row - block.first_row) * (end_lane_ - first_lane_)) {
+    for (std::int64_t unit = task.first_unit; unit <= task.last_unit; ++unit) {
+      const auto parity = static_cast<std::size_t>(unit - task.first_lag) % 2;
+      const auto lane = static_cast<std::size_t>(unit - task.first_lag) / 2;
+      const auto number = static_cast<std::size_t>(unit - task.first_unit);
+      limits_.row(crossing, parity)[lane] = static_cast<Value>(task.start - unit);
+      limits_.row(forward_gain, parity)[lane] = static_cast<Value>(task.most_forward_gain[number]);
+      // A sum of gains that is cut off must not look like little.
+      limits_.row(total_gain, parity)[lane] = static_cast<Value>(std::min<std::int64_t>(task.most_gain[number], most - 1));
+      limits_.row(is_unit, parity)[lane] = most;
     }
   }
 
   void run(const LagVerdicts& verdicts) {
-    std::vector<std::uint8_t> certified(task_.lanes / 8);
-    for (std::int64_t x = rows_.highest; x >= rows_.decided_begin; --x) {
-      if ((x + 1) % task_.line_distance == 0) start_line(x + 1);
-      compare_bases(x);
-      take_base();
-      insert_bases();
-      if (x >= rows_.decided_end) continue;
-      decide(x, certified.data());
-      verdicts(x, certified.data());
-    }
+    Sweep<Value, most_lanes> sweep(task_, lanes_);
+    sweep.run(block_.begin, block_.end, true, block_.first_row, block_.end_row,
+              [&](std::int64_t row) { note_forward(sweep, row); });
+    // The seed of row t stands in row 2 n - t of the reversed sequence.
+    Sweep<Value, most_lanes> back(task_, lanes_);
+    const std::int64_t mirror = 2 * (block_.end - block_.begin);
+    std::vector<std::uint8_t> open(lanes_ / 8 + 8, 0);
+    back.run(block_.begin, block_.end, false, mirror - block_.end_row + 1, mirror - block_.first_row + 1,
+             [&](std::int64_t row) {
+               if (decide(back, mirror - row, open.data())) verdicts(mirror - row, open.data(), (end_lane_ + 7) / 8);
+             });
   }
 
  private:
-  using Tag = hn::ScalableTag<Value>;
-  static std::size_t width() { return hn::Lanes(Tag()); }
-  /// A cost as a value; what costs more than any value can lose is lost all the same.
-  static Value clamped(std::int64_t cost) {
-    return static_cast<Value>(std::min<std::int64_t>(cost, std::numeric_limits<Value>::max()));
-  }
+  using Tag = typename Sweep<Value, most_lanes>::Tag;
+  static constexpr Value most = Sweep<Value, most_lanes>::most;
+  static std::size_t width() { return Sweep<Value, most_lanes>::width(); }
+  enum LimitRow : std::size_t { crossing, forward_gain, total_gain, is_unit, limit_rows };
 
-  /// Row 0 of every table holds the gains, the others the crossings to the lines, in turn.
-  std::size_t slot_of(std::int64_t line_number) const { return 1 + static_cast<std::size_t>(line_number) % lines_; }
-
-  void start_line(std::int64_t line) {
-    std::fill_n(values_[slot_of(line / task_.line_distance)], task_.lanes, static_cast<Value>(task_.start));
-  }
-
-  /// All ones where the bases match. An N of the sequence counts as a match: crossing it costs nothing.
-  void compare_bases(std::int64_t x) {
-    const Tag d;
-    const hn::Rebind<std::uint8_t, Tag> bytes;
-    const auto* const unit_base = reinterpret_cast<const std::uint8_t*>(rows_.bases + x);
-    const auto* const sequence = unit_base + task_.first_lag;
-    // Nothing matches the byte 0 that stands outside the sequence, not even itself.
-    const auto base = hn::Set(d, static_cast<Value>(*unit_base == 0 ? 0xFF : *unit_base));
-    const auto unknown = hn::Set(d, static_cast<Value>('N'));
-    for (std::size_t i = 0; i < task_.lanes; i += width()) {
-      const auto other = widen(d, hn::LoadU(bytes, sequence + i));
-      hn::StoreU(hn::VecFromMask(d, hn::Or(hn::Eq(other, base), hn::Eq(other, unknown))), d, match_[0] + i);
-    }
-  }
-
-  template <typename Bytes>
-  static auto widen(hn::ScalableTag<std::uint16_t> d, Bytes bytes) {
-    return hn::PromoteTo(d, bytes);
-  }
-  template <typename Bytes>
-  static auto widen(hn::ScalableTag<std::uint8_t> /*d*/, Bytes bytes) {
-    return bytes;
-  }
-
-  /// The steps that take in a base of the sequence or leave out one of the unit: match, mismatch, deletion.
-  void take_base() {
-    const Tag d;
-    const auto one = hn::Set(d, Value{1});
-    const auto mismatch = hn::Set(d, clamped(task_.mismatch));
-    const auto indel = hn::Set(d, clamped(task_.indel));
-    const std::size_t lanes = task_.lanes;  // in a local, for the stores below could change a member
-    const std::size_t rows = lines_ + 1;
-    const Value* const match = match_[0];
-    for (std::size_t row = 0; row < rows; ++row) {
-      const Value* const before = values_[row];
-      Value* const matched = matched_[row];
-      Value* const direct = direct_[row];
-      for (std::size_t i = 0; i < lanes; i += width()) {
-        const auto value = hn::LoadU(d, before + i);
-        const auto with_match = hn::And(hn::SaturatedAdd(value, one), hn::LoadU(d, match + i));
-        const auto deletion = hn::SaturatedSub(hn::LoadU(d, before + i - 1), indel);
-        hn::StoreU(with_match, d, matched + i);
-        hn::StoreU(hn::Max(hn::Max(with_match, deletion), hn::SaturatedSub(value, mismatch)), d, direct + i);
-      }
-    }
-  }
-
-  /// Insertions, any number in a row and then a match; before any other step they may as well come after it. The
-  /// table `matched_` becomes the best of 0 to 2^k - 1 insertions and a match in k passes.
-  void insert_bases() {
-    const std::int64_t most = std::numeric_limits<Value>::max();
-    for (std::int64_t step = 1; step < task_.longest_insertion && step * task_.indel < most; step *= 2) {
-      insert_up_to(static_cast<std::size_t>(step));
-    }
-    const Tag d;
-    const auto indel = hn::Set(d, clamped(task_.indel));
-    const std::size_t lanes = task_.lanes;
-    const std::size_t rows = lines_ + 1;
-    for (std::size_t row = 0; row < rows; ++row) {
-      const Value* const matched = matched_[row];
-      const Value* const direct = direct_[row];
-      Value* const values = values_[row];
-      for (std::size_t i = 0; i < lanes; i += width()) {
-        const auto insertion = hn::SaturatedSub(hn::LoadU(d, matched + i + 1), indel);
-        hn::StoreU(hn::Max(hn::LoadU(d, direct + i), insertion), d, values + i);
-      }
-    }
-  }
-
-  /// Allows `step` more insertions to what `matched_` holds.
-  void insert_up_to(std::size_t step) {
-    const Tag d;
-    const auto cost = hn::Set(d, clamped(static_cast<std::int64_t>(step) * task_.indel));
-    const std::size_t lanes = task_.lanes;
-    const std::size_t rows = lines_ + 1;
-    for (std::size_t row = 0; row < rows; ++row) {
-      Value* const matched = matched_[row];
-      for (std::size_t i = 0; i < lanes; i += width()) {
-        const auto further = hn::SaturatedSub(hn::LoadU(d, matched + i + step), cost);
-        hn::StoreU(hn::Max(hn::LoadU(d, matched + i), further), d, matched + i);
-      }
-    }
+  Value* gains_of(std::int64_t row) {
+    return forward_gains_.data() + static_cast<std::size_t>(row - block_.first_row) * (end_lane_ - first_lane_);
   }
 
   /// All ones where a <= b; unsigned comparisons other than for equality are not everywhere to be had.
@@ -166,41 +281,49 @@ class Programme {
     return hn::VecFromMask(d, hn::Eq(hn::Max(a, b), b));
   }
 
-  /// The seed of unit length L is decided by the last line that is at most L unit positions ahead.
-  void decide(std::int64_t x, std::uint8_t* certified) {
+  /// Notes what the forward walks may gain; all ones where it is too much or where they may not end.
+  void note_forward(Sweep<Value, most_lanes>& sweep, std::int64_t row) {
     const Tag d;
-    const auto in_line = hn::Set(d, static_cast<Value>(task_.line_distance));
-    const std::int64_t first_number = (x + task_.first_unit) / task_.line_distance;
-    const std::size_t first_slot = slot_of(first_number);
-    for (std::size_t i = 0; i < task_.lanes; i += width()) {
-      const auto lags = hn::LoadU(d, lags_[0] + i);
-      const auto crossing_limit = hn::LoadU(d, limits_[1] + i);
-      auto ended = hn::Zero(d);
-      std::size_t slot = first_slot;
-      std::int64_t ahead = first_number * task_.line_distance - x;
-      for (; ahead <= task_.last_unit; ahead += task_.line_distance) {
-        const auto beyond = hn::Sub(lags, hn::Set(d, static_cast<Value>(ahead)));
-        // less than the distance, as unsigned values
-        const auto here = hn::VecFromMask(d, hn::Ne(hn::Max(beyond, in_line), beyond));
-        const auto lost = at_most(d, hn::LoadU(d, values_[slot] + i), crossing_limit);
-        ended = hn::Or(ended, hn::And(here, lost));
-        slot = slot == lines_ ? 1 : slot + 1;
-      }
-      const auto poor = at_most(d, hn::LoadU(d, values_[0] + i), hn::LoadU(d, limits_[0] + i));
-      const auto verdict = hn::And(ended, poor);
-      store_bits(d, verdict, i, certified);
+    Value* const gains = gains_of(row);
+    const std::size_t parity = sweep.parity();
+    for (std::size_t i = first_lane_; i < end_lane_; i += width()) {
+      const auto gain = hn::Load(d, sweep.gains() + i);
+      const auto ends = at_most(d, hn::Load(d, sweep.crossings() + i), hn::Load(d, limits_.row(crossing, parity) + i));
+      const auto little = at_most(d, gain, hn::Load(d, limits_.row(forward_gain, parity) + i));
+      hn::StoreU(hn::Or(gain, hn::Not(hn::And(ends, little))), d, gains + (i - first_lane_));
     }
   }
 
-  /// Stores one bit for each lane, lane 0 of the row lowest. Vectors of less than eight lanes have no whole byte.
+  /// Sets the bits of the seeds that are not rejected. False if there are none.
+  bool decide(Sweep<Value, most_lanes>& sweep, std::int64_t row, std::uint8_t* open) {
+    const Tag d;
+    const Value* const gains = gains_of(row);
+    const std::size_t parity = sweep.parity();
+    bool any = false;
+    for (std::size_t i = first_lane_; i < end_lane_; i += width()) {
+      const auto forward = hn::LoadU(d, gains + (i - first_lane_));
+      // The backward walk begins with what the forward walk gained.
+      const auto ends = at_most(d, hn::SaturatedAdd(hn::Load(d, sweep.crossings() + i), forward),
+                                hn::Load(d, limits_.row(crossing, parity) + i));
+      const auto little = at_most(d, hn::SaturatedAdd(hn::Load(d, sweep.gains() + i), forward),
+                                  hn::Load(d, limits_.row(total_gain, parity) + i));
+      const auto rest = hn::AndNot(hn::And(ends, little), hn::Load(d, limits_.row(is_unit, parity) + i));
+      const auto is_open = hn::Ne(rest, hn::Zero(d));
+      any = any || !hn::AllFalse(d, is_open);
+      store_bits(d, rest, i, open);
+    }
+    return any;
+  }
+
+  /// Stores one bit for each lane. Vectors of less than eight lanes have no whole byte.
   template <typename Vector>
-  static void store_bits(Tag d, Vector verdict, std::size_t first, std::uint8_t* bits) {
+  static void store_bits(Tag d, Vector rest, std::size_t first, std::uint8_t* bits) {
     if (width() >= 8) {
-      hn::StoreMaskBits(d, hn::Ne(verdict, hn::Zero(d)), bits + first / 8);
+      hn::StoreMaskBits(d, hn::Ne(rest, hn::Zero(d)), bits + first / 8);
       return;
     }
     Value lanes[8];
-    hn::StoreU(verdict, d, lanes);
+    hn::StoreU(rest, d, lanes);
     for (std::size_t i = 0; i < width(); ++i) {
       const auto bit = static_cast<std::uint8_t>(1U << ((first + i) % 8));
       std::uint8_t& byte = bits[(first + i) / 8];
@@ -209,24 +332,24 @@ class Programme {
   }
 
   const LagTask& task_;
-  const LagRows& rows_;
-  std::size_t lines_;
-  std::size_t reach_;
-  ValueRows<Value> values_;
-  ValueRows<Value> matched_;
-  ValueRows<Value> direct_;
-  ValueRows<Value> match_;
+  const LagBlock& block_;
+  const std::size_t lanes_;
+  const std::size_t first_lane_;  ///< of the vectors that hold unit lengths, half-open range
+  const std::size_t end_lane_;
   ValueRows<Value> limits_;
-  ValueRows<Value> lags_;
+  std::vector<Value> forward_gains_;
 };
 
-void certify(const LagTask& task, const LagRows& rows, const LagVerdicts& verdicts) {
-  const std::int64_t most = task.start + task.last_unit + 1;
-  const std::int64_t highest_lag = task.first_lag + static_cast<std::int64_t>(task.lanes);
-  if (most <= 255 && highest_lag <= 255) {
-    Programme<std::uint8_t>(task, rows).run(verdicts);
+void certify(const LagTask& task, const LagBlock& block, const LagVerdicts& verdicts) {
+  // Lanes that the task does not need would only have to be worked.
+  if (!task.fits_bytes()) {
+    BlockVerdicts<std::uint16_t, 32>(task, block).run(verdicts);
+  } else if (task.lanes <= 16) {
+    BlockVerdicts<std::uint8_t, 16>(task, block).run(verdicts);
+  } else if (task.lanes <= 32) {
+    BlockVerdicts<std::uint8_t, 32>(task, block).run(verdicts);
   } else {
-    Programme<std::uint16_t>(task, rows).run(verdicts);
+    BlockVerdicts<std::uint8_t, 64>(task, block).run(verdicts);
   }
 }
 
@@ -260,7 +383,7 @@ std::vector<LagKernelLevel> lag_kernel_levels() {
   std::vector<LagKernelLevel> levels;
 #if HWY_ARCH_X86
   // A level that was not compiled has no function.
-  const auto add = [&levels](const char* name, bool supported, decltype(&certify_rows) kernel) {
+  const auto add = [&levels](const char* name, bool supported, decltype(&certify_block) kernel) {
     if (supported && kernel != nullptr) levels.push_back({name, kernel});
   };
   using namespace lag_kernel;  // the macros name the functions without it
@@ -273,8 +396,8 @@ std::vector<LagKernelLevel> lag_kernel_levels() {
   return levels;
 }
 
-void certify_rows(const LagTask& task, const LagRows& rows, const LagVerdicts& verdicts) {
+void certify_block(const LagTask& task, const LagBlock& block, const LagVerdicts& verdicts) {
   static const auto best = lag_kernel_levels().front().certify;
-  best(task, rows, verdicts);
+  best(task, block, verdicts);
 }
 #endif
