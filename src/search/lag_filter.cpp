@@ -12,7 +12,9 @@ constexpr std::int64_t shortest_unit = 8;
 /// Scores of longer units may not fit the 16 bits of a lane.
 constexpr std::int64_t longest_unit = 15000;
 /// Units up to this length are decided by vectors of bytes, which hold more of them.
-constexpr std::int64_t longest_unit_in_bytes = 112;
+constexpr std::int64_t longest_unit_in_bytes = 192;
+/// Lines across the shortest unit of a range.
+constexpr std::int64_t lines_in_unit = 4;
 /// Seeds decided at a time start in a stretch of so many bases, apart from very long units; the bases around it have to
 /// be worked as well.
 constexpr std::int64_t block_bases = 4096;
@@ -34,21 +36,23 @@ LagTask make_task(std::int64_t first, std::int64_t last, const ThresholdTable& m
   LagTask task;
   task.first_unit = first;
   task.last_unit = last;
-  task.line_distance = std::max<std::int64_t>(1, first / 4);
   task.mismatch = clamped(-rules.mismatch_score);
   task.indel = clamped(-rules.indel_score);
-  task.start = clamped((last <= longest_unit_in_bytes ? UINT8_MAX : UINT16_MAX) - last);
   std::int64_t lowest_lag = first;
   std::int64_t highest_lag = last;
   for (std::int64_t L = first; L <= last; ++L) {
-    const std::int64_t forward_gain = std::min(most_forward_gain(L, minimum_scores[L]), task.start - L);
+    const std::int64_t forward_gain = most_forward_gain(L, minimum_scores[L]);
     task.most_forward_gain.push_back(clamped(forward_gain));
     task.most_gain.push_back(clamped(minimum_scores[L] - 1));
-    // A walk that is permitted to go on begins at most so much above the bound, and matches at most its unit.
-    const std::int64_t most_indels = (L + (L + forward_gain) - 1) / -rules.indel_score;
-    lowest_lag = std::min(lowest_lag, L - most_indels);
-    highest_lag = std::max(highest_lag, L + most_indels);
+    // A permitted walk begins at most so much above the bound, and matches at most what it does not leave out of its
+    // unit.
+    const std::int64_t score = L + forward_gain + L - 1;
+    const std::int64_t most_insertions = score / -rules.indel_score;
+    const std::int64_t most_deletions = score / (1 - rules.indel_score);
+    lowest_lag = std::min(lowest_lag, L - most_deletions);
+    highest_lag = std::max(highest_lag, L + most_insertions);
   }
+  task.line_distance = std::max<std::int64_t>(1, first / lines_in_unit);
   task.first_lag = std::max<std::int64_t>(1, lowest_lag);
   task.lanes = static_cast<std::size_t>(highest_lag - task.first_lag) / 2 + 1;
   return task;

@@ -71,6 +71,7 @@ class Sweep {
  public:
   using Tag = hn::CappedTag<Value, most_lanes>;
   static std::size_t width() { return hn::Lanes(Tag()); }
+  /// Of the values for a line: any permitted score will do. The others are lower by what the score has to be higher.
   static constexpr Value most = std::numeric_limits<Value>::max();
 
   /// `lanes` is a multiple of `width`.
@@ -79,7 +80,10 @@ class Sweep {
         lanes_(static_cast<std::int64_t>(lanes)),
         slots_(static_cast<std::size_t>((2 * lanes_ + task.first_lag) / task.line_distance) + 2),
         values_(1 + slots_, lanes),
-        lowest_(1, lanes) {}
+        decisive_(1, lanes),
+        ones_and_zeros_(4 * lanes + static_cast<std::size_t>(task.first_lag) + 2, 0) {
+    std::fill_n(ones_and_zeros_.begin(), lanes, most);
+  }
 
   /// Works the rows down to `first_row`. `decide` is called in each row below `end_row`.
   template <typename Decide>
@@ -104,8 +108,8 @@ class Sweep {
 
   /// Of the present row.
   std::size_t parity() const { return parity_; }
-  /// For each seed of the row the lowest of its crossings to the lines within its unit.
-  const Value* crossings() { return lowest_.row(0, 0); }
+  /// The value of each seed of the row for the last line within its unit.
+  const Value* decisive() { return decisive_.row(0, 0); }
   const Value* gains() { return values_.row(0, parity_); }
 
  private:
@@ -113,9 +117,11 @@ class Sweep {
 
   static std::int64_t floor_divided(std::int64_t a, std::int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
 
+  std::int64_t first_unit_lane() const { return (task_.first_unit - task_.first_lag) / 2; }
   std::int64_t last_unit_lane() const { return (task_.last_unit - task_.first_lag) / 2; }
 
-  /// Lane i of the row compares the unit base `unit_` - i with the sequence base `sequence_` + i.
+  /// Lane i of the row compares the unit base `unit_` - i with the sequence base `sequence_` + i. There the unit of its
+  /// seed ends.
   void stand_at(std::int64_t row) {
     const std::int64_t rest = row - task_.first_lag;
     parity_ = static_cast<std::size_t>(rest & 1);
@@ -125,17 +131,15 @@ class Sweep {
 
   std::int64_t highest_line() const { return lowest_line_ + static_cast<std::int64_t>(lines_.size()) - 1; }
 
-  /// Leaves the lines that no unit of this row or of a lower one comes to, and sets up those that have nodes below them
-  /// for the first time.
+  /// Leaves the lines that no unit of this row or of a lower one comes to, and sets up those that the task's last lane
+  /// lies before for the first time.
   void begin_and_end_lines() {
     while (!lines_.empty() && highest_line() * task_.line_distance > sequence_ + last_unit_lane()) lines_.pop_back();
-    const std::int64_t lowest_unit = unit_ - lanes_ + 1;
+    const std::int64_t lowest_unit = unit_ - static_cast<std::int64_t>(task_.lanes) + 1;
     while (lowest_line_ > 1 && (lowest_line_ - 1) * task_.line_distance > lowest_unit) {
       --lowest_line_;
       const std::size_t slot = 1 + static_cast<std::size_t>(lowest_line_) % slots_;
-      for (const std::size_t parity : {0, 1}) {
-        std::fill_n(values_.row(slot, parity), lanes_, static_cast<Value>(task_.start));
-      }
+      for (const std::size_t parity : {0, 1}) std::fill_n(values_.row(slot, parity), lanes_, most);
       lines_.insert(lines_.begin(), values_.row(slot, 0));
     }
   }
@@ -163,47 +167,38 @@ class Sweep {
     const auto gained = widen(d, hn::And(hn::VecFromMask(bytes, is_match), hn::Set(bytes, std::uint8_t{1})));
     const auto lost = hn::IfThenElseZero(hn::Eq(gained, hn::Zero(d)), hn::Set(d, clamped(task_.mismatch)));
     const auto indel = hn::Set(d, clamped(task_.indel));
-    // Stores of bytes could change a member, for all that the compiler knows.
+    // Copies of members: for all that the compiler knows, a store of bytes may change those.
     const std::ptrdiff_t here = first + (parity_ == 0 ? 0 : values_.stride());
     const std::ptrdiff_t there = first + (parity_ == 0 ? values_.stride() : 0);
     const std::ptrdiff_t beside = there + (parity_ == 0 ? -1 : 1);
-    const auto lanes = static_cast<std::int64_t>(width());
     const std::int64_t distance = task_.line_distance;
-
-    Value* const table = values_.row(0, 0);
-    const auto most_gain = hn::Set(d, static_cast<Value>(task_.last_unit));
-    hn::Store(hn::Min(stepped(table, here, there, beside, gained, lost, indel), most_gain), d, table + here);
-
     Value* const* line = lines_.data();
     Value* const* const end = line + lines_.size();
-    const std::int64_t unit_end = unit_ - first + 1;  // nodes on a line and behind it keep the value that they began with
-    const std::int64_t last_line = sequence_ + first;  // the last that the unit of the first lane may come to
+
+    Value* const table = values_.row(0, 0);
+    const auto gain = stepped(table, here, there, beside, gained, lost, indel);
+    hn::Store(hn::Min(gain, hn::Set(d, static_cast<Value>(task_.last_unit))), d, table + here);
+
+    // A vector that is loaded n values before the zeros has all bits set in its first n lanes.
+    const Value* const zeros = ones_and_zeros_.data() + lanes_;
     std::int64_t at = lowest_line_ * distance;
-    while (line != end && unit_end - at >= lanes) {
-      ++line;
-      at += distance;
+    // The first nodes lie on a line or behind it and need nothing to come there.
+    std::int64_t from_line = at - (unit_ + 1 - first);
+    const std::int64_t unit_end = sequence_ + std::max(first, first_unit_lane());
+    for (; line != end && at + distance <= unit_end; ++line, at += distance, from_line += distance) {
+      const auto value = stepped(*line, here, there, beside, gained, lost, indel);
+      hn::Store(hn::Or(value, hn::LoadU(d, zeros + from_line)), d, *line + here);
     }
-    auto lowest = hn::Set(d, most);
-    for (; line != end && at < unit_end; ++line, at += distance) {
-      const auto kept = hn::FirstN(d, static_cast<std::size_t>(unit_end - at));
+    // The last line that all units of the row come to, and those that only the longer ones do.
+    auto decisive = hn::Set(d, most);
+    std::int64_t to_line = sequence_ + first - at;
+    for (; line != end; ++line, from_line += distance, to_line -= distance) {
       const auto step = stepped(*line, here, there, beside, gained, lost, indel);
-      const auto value = hn::IfThenElse(kept, hn::Load(d, *line + here), step);
+      const auto value = hn::Or(step, hn::LoadU(d, zeros + from_line));
       hn::Store(value, d, *line + here);
-      lowest = hn::Min(lowest, value);
+      decisive = hn::Min(decisive, hn::Or(value, hn::LoadU(d, zeros + to_line)));
     }
-    for (; line != end && at <= last_line; ++line, at += distance) {
-      const auto value = stepped(*line, here, there, beside, gained, lost, indel);
-      hn::Store(value, d, *line + here);
-      lowest = hn::Min(lowest, value);
-    }
-    for (; line != end; ++line, at += distance) {
-      const auto value = stepped(*line, here, there, beside, gained, lost, indel);
-      hn::Store(value, d, *line + here);
-      if (at - last_line >= lanes) continue;
-      const auto too_short = hn::FirstN(d, static_cast<std::size_t>(at - last_line));
-      lowest = hn::IfThenElse(too_short, lowest, hn::Min(lowest, value));
-    }
-    hn::Store(lowest, d, lowest_.row(0, 0) + first);
+    hn::Store(decisive, d, decisive_.row(0, 0) + first);
   }
 
   /// The values of the present row from those of the two rows above, the older of which they take the place of.
@@ -218,9 +213,10 @@ class Sweep {
 
   const LagTask& task_;
   const std::int64_t lanes_;
-  const std::size_t slots_;    ///< as many lines as can be worked at a time
-  ValueRows<Value> values_;    ///< row 0 holds the gains, the others the crossings to the lines, in turn
-  ValueRows<Value> lowest_;    ///< of the present row, and so below
+  const std::size_t slots_;            ///< as many lines as can be worked at a time
+  ValueRows<Value> values_;            ///< row 0 holds the gains, the others are for the lines, in turn
+  ValueRows<Value> decisive_;          ///< of the present row, and so below
+  std::vector<Value> ones_and_zeros_;  ///< `lanes` values with all bits set, and zeros
   std::size_t parity_ = 0;
   std::int64_t unit_ = 0;
   std::int64_t sequence_ = 0;
@@ -243,7 +239,7 @@ class BlockVerdicts {
       const auto parity = static_cast<std::size_t>(unit - task.first_lag) % 2;
       const auto lane = static_cast<std::size_t>(unit - task.first_lag) / 2;
       const auto number = static_cast<std::size_t>(unit - task.first_unit);
-      limits_.row(crossing, parity)[lane] = static_cast<Value>(task.start - unit);
+      limits_.row(height, parity)[lane] = static_cast<Value>(most - unit);
       limits_.row(forward_gain, parity)[lane] = static_cast<Value>(task.most_forward_gain[number]);
       // A sum of gains that is cut off must not look like little.
       limits_.row(total_gain, parity)[lane] = static_cast<Value>(std::min<std::int64_t>(task.most_gain[number], most - 1));
@@ -269,7 +265,7 @@ class BlockVerdicts {
   using Tag = typename Sweep<Value, most_lanes>::Tag;
   static constexpr Value most = Sweep<Value, most_lanes>::most;
   static std::size_t width() { return Sweep<Value, most_lanes>::width(); }
-  enum LimitRow : std::size_t { crossing, forward_gain, total_gain, is_unit, limit_rows };
+  enum LimitRow : std::size_t { height, forward_gain, total_gain, is_unit, limit_rows };
 
   Value* gains_of(std::int64_t row) {
     return forward_gains_.data() + static_cast<std::size_t>(row - block_.first_row) * (end_lane_ - first_lane_);
@@ -288,7 +284,7 @@ class BlockVerdicts {
     const std::size_t parity = sweep.parity();
     for (std::size_t i = first_lane_; i < end_lane_; i += width()) {
       const auto gain = hn::Load(d, sweep.gains() + i);
-      const auto ends = at_most(d, hn::Load(d, sweep.crossings() + i), hn::Load(d, limits_.row(crossing, parity) + i));
+      const auto ends = at_most(d, hn::Load(d, sweep.decisive() + i), hn::Load(d, limits_.row(height, parity) + i));
       const auto little = at_most(d, gain, hn::Load(d, limits_.row(forward_gain, parity) + i));
       hn::StoreU(hn::Or(gain, hn::Not(hn::And(ends, little))), d, gains + (i - first_lane_));
     }
@@ -303,8 +299,8 @@ class BlockVerdicts {
     for (std::size_t i = first_lane_; i < end_lane_; i += width()) {
       const auto forward = hn::LoadU(d, gains + (i - first_lane_));
       // The backward walk begins with what the forward walk gained.
-      const auto ends = at_most(d, hn::SaturatedAdd(hn::Load(d, sweep.crossings() + i), forward),
-                                hn::Load(d, limits_.row(crossing, parity) + i));
+      const auto ends = at_most(d, hn::SaturatedAdd(hn::Load(d, sweep.decisive() + i), forward),
+                                hn::Load(d, limits_.row(height, parity) + i));
       const auto little = at_most(d, hn::SaturatedAdd(hn::Load(d, sweep.gains() + i), forward),
                                   hn::Load(d, limits_.row(total_gain, parity) + i));
       const auto rest = hn::AndNot(hn::And(ends, little), hn::Load(d, limits_.row(is_unit, parity) + i));
@@ -342,7 +338,7 @@ class BlockVerdicts {
 
 void certify(const LagTask& task, const LagBlock& block, const LagVerdicts& verdicts) {
   // Lanes that the task does not need would only have to be worked.
-  if (!task.fits_bytes()) {
+  if (!fits_bytes(task)) {
     BlockVerdicts<std::uint16_t, 32>(task, block).run(verdicts);
   } else if (task.lanes <= 16) {
     BlockVerdicts<std::uint8_t, 16>(task, block).run(verdicts);
@@ -378,6 +374,11 @@ bool has_avx512() {
 #endif
 
 }  // namespace
+
+bool fits_bytes(const LagTask& task) {
+  const auto most = *std::max_element(task.most_forward_gain.begin(), task.most_forward_gain.end());
+  return task.last_unit + most < UINT8_MAX;
+}
 
 std::vector<LagKernelLevel> lag_kernel_levels() {
   std::vector<LagKernelLevel> levels;
