@@ -38,6 +38,7 @@ LagTask make_task(std::int64_t first, std::int64_t last, const ThresholdTable& m
   task.last_unit = last;
   task.mismatch = clamped(-rules.mismatch_score);
   task.indel = clamped(-rules.indel_score);
+  task.free_Ns = rules.Ns_as_missense ? 0 : rules.Ns_allowed;
   std::int64_t lowest_lag = first;
   std::int64_t highest_lag = last;
   for (std::int64_t L = first; L <= last; ++L) {

@@ -36,22 +36,40 @@ class ValueRows {
   Value* first_;
 };
 
-/// The bases of a stretch, as the rows of a programme need them: the sequence ascending, the units descending. Outside
-/// the sequence stand bytes that match nothing.
+/// The bases of a stretch, as the rows of a programme need them: the sequence ascending, the units descending. An N of
+/// the sequence stays one only if it may be crossed at no cost. Other N, and what lies outside the sequence, are bytes
+/// that match nothing.
 class RowBases {
  public:
-  /// Positions [first, end); they may lie outside the sequence [begin, end_of_sequence), which is read from its end if
-  /// `forward` is false.
-  RowBases(const char* begin, const char* end_of_sequence, bool forward, std::int64_t first, std::int64_t end)
+  /// Positions [first, end); they may lie outside the sequence of `block`, which is read from its end if `forward` is
+  /// false.
+  RowBases(const LagBlock& block, bool forward, std::int64_t free_Ns, std::int64_t first, std::int64_t end)
       : first_(first),
         last_(end - 1),
         ascending_(static_cast<std::size_t>(end - first) + 64, 0),
         descending_(static_cast<std::size_t>(end - first) + 64, 0xFF) {
-    const std::int64_t size = end_of_sequence - begin;
-    for (std::int64_t i = std::max<std::int64_t>(0, first); i < std::min(end, size); ++i) {
-      const auto base = static_cast<std::uint8_t>(forward ? begin[i] : end_of_sequence[-1 - i]);
-      ascending_[static_cast<std::size_t>(i - first_)] = base;
-      descending_[static_cast<std::size_t>(last_ - i)] = base;
+    const std::int64_t size = block.end - block.begin;
+    const auto base = [&](std::int64_t i) { return forward ? block.begin[i] : block.end[-1 - i]; };
+    end = std::min(end, size);
+    std::int64_t i = std::max<std::int64_t>(0, first);
+    while (i < end) {
+      if (base(i) != 'N') {
+        ascending_[static_cast<std::size_t>(i - first_)] = static_cast<std::uint8_t>(base(i));
+        descending_[static_cast<std::size_t>(last_ - i)] = static_cast<std::uint8_t>(base(i));
+        ++i;
+        continue;
+      }
+      // A run that is longer than anybody minds is taken for free: that is never too low.
+      const std::int64_t looked_at = std::min<std::int64_t>(free_Ns, 1000) + 1;
+      std::int64_t run_begin = i;
+      while (run_begin > 0 && i - run_begin < looked_at && base(run_begin - 1) == 'N') --run_begin;
+      std::int64_t run_end = i;
+      while (run_end < end && base(run_end) == 'N') ++run_end;
+      std::int64_t seen = run_end;
+      while (seen < size && seen - run_begin < looked_at && base(seen) == 'N') ++seen;
+      const bool is_free = free_Ns > 0 && (seen - run_begin <= free_Ns || free_Ns > looked_at);
+      if (is_free) std::fill_n(ascending_.begin() + (i - first_), run_end - i, std::uint8_t{'N'});
+      i = run_end;
     }
   }
 
@@ -87,8 +105,7 @@ class Sweep {
 
   /// Works the rows down to `first_row`. `decide` is called in each row below `end_row`.
   template <typename Decide>
-  void run(const char* begin, const char* end, bool forward, std::int64_t first_row, std::int64_t end_row,
-           Decide decide) {
+  void run(const LagBlock& block, bool forward, std::int64_t first_row, std::int64_t end_row, Decide decide) {
     lines_.clear();
     stand_at(end_row - 1);
     lowest_line_ = floor_divided(sequence_ + last_unit_lane(), task_.line_distance) + 1;
@@ -97,7 +114,7 @@ class Sweep {
     stand_at(first_row);
     const std::int64_t lowest = unit_ - lanes_;
     stand_at(top);
-    const RowBases bases(begin, end, forward, lowest, sequence_ + lanes_ + 1);
+    const RowBases bases(block, forward, task_.free_Ns, lowest, sequence_ + lanes_ + 1);
     for (std::int64_t row = top; row >= first_row; --row) {
       stand_at(row);
       begin_and_end_lines();
@@ -162,10 +179,12 @@ class Sweep {
     const hn::Rebind<std::uint8_t, Tag> bytes;
     const auto other = hn::LoadU(bytes, bases.from(sequence_ + first));
     const auto unit = hn::LoadU(bytes, bases.down_from(unit_ - first));
-    // An N of the sequence counts as a match: crossing it costs nothing.
-    const auto is_match = hn::Or(hn::Eq(other, unit), hn::Eq(other, hn::Set(bytes, std::uint8_t{'N'})));
-    const auto gained = widen(d, hn::And(hn::VecFromMask(bytes, is_match), hn::Set(bytes, std::uint8_t{1})));
-    const auto lost = hn::IfThenElseZero(hn::Eq(gained, hn::Zero(d)), hn::Set(d, clamped(task_.mismatch)));
+    const auto is_match = hn::Eq(other, unit);
+    const auto is_free = hn::Or(is_match, hn::Eq(other, hn::Set(bytes, std::uint8_t{'N'})));
+    const auto one = hn::Set(bytes, std::uint8_t{1});
+    const auto gained = widen(d, hn::And(hn::VecFromMask(bytes, is_match), one));
+    const auto free = widen(d, hn::And(hn::VecFromMask(bytes, is_free), one));
+    const auto lost = hn::IfThenElseZero(hn::Eq(free, hn::Zero(d)), hn::Set(d, clamped(task_.mismatch)));
     const auto indel = hn::Set(d, clamped(task_.indel));
     // Copies of members: for all that the compiler knows, a store of bytes may change those.
     const std::ptrdiff_t here = first + (parity_ == 0 ? 0 : values_.stride());
@@ -249,13 +268,12 @@ class BlockVerdicts {
 
   void run(const LagVerdicts& verdicts) {
     Sweep<Value, most_lanes> sweep(task_, lanes_);
-    sweep.run(block_.begin, block_.end, true, block_.first_row, block_.end_row,
-              [&](std::int64_t row) { note_forward(sweep, row); });
+    sweep.run(block_, true, block_.first_row, block_.end_row, [&](std::int64_t row) { note_forward(sweep, row); });
     // The seed of row t stands in row 2 n - t of the reversed sequence.
     Sweep<Value, most_lanes> back(task_, lanes_);
     const std::int64_t mirror = 2 * (block_.end - block_.begin);
     std::vector<std::uint8_t> open(lanes_ / 8 + 8, 0);
-    back.run(block_.begin, block_.end, false, mirror - block_.end_row + 1, mirror - block_.first_row + 1,
+    back.run(block_, false, mirror - block_.end_row + 1, mirror - block_.first_row + 1,
              [&](std::int64_t row) {
                if (decide(back, mirror - row, open.data())) verdicts(mirror - row, open.data(), (end_lane_ + 7) / 8);
              });

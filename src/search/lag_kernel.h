@@ -36,6 +36,7 @@ struct LagTask {
   std::int64_t line_distance;  ///< unit positions between two lines, 1 to first_unit
   std::uint16_t mismatch;      ///< what a mismatch costs
   std::uint16_t indel;         ///< what an inserted or deleted base costs
+  std::int64_t free_Ns;        ///< longest run of N in the sequence that is crossed at no cost; others match nothing
   /// Per unit length, from `first_unit` on: seeds whose forward walk may gain more than this are not decided.
   std::vector<std::uint16_t> most_forward_gain;
   /// Per unit length: the score that is too little for a repeat.
