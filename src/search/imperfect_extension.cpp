@@ -10,6 +10,7 @@
 #include "search/first_step_scores.h"
 #include "search/front_set.h"
 #include "search/lookahead_window.h"
+#include "search/step_choice.h"
 #include "search/unit_runs.h"
 
 namespace {
@@ -33,6 +34,7 @@ class ImperfectWalk {
         aids(walk_aids),
         guides(walk_aids.guides),
         memo(walk_aids.memo),
+        trail(walk_aids.trail),
         level(walk_aids.level),
         next_level(walk_aids.next_level),
         stretches(untold) {}
@@ -46,12 +48,18 @@ class ImperfectWalk {
     State state{Front<forward>::of(sat), {sat.mismatches, sat.insertions, sat.deletions}, sat.missense.size, 0, 0};
     bool way_is_free = runs.extend_exact(state.front, limit, rules);
     State best = state;
+    const char* const begin = state.front.position;
+    bool in_first_unit = true;
     while (way_is_free && rules.maximum_depth > 0 && state.front.position != limit) {
-      if (follow_guide(state, best)) continue;
-      const char kind = next_step(state.front);
-      if (kind == '-') break;
-      commit(kind, state);
-      way_is_free = runs.extend_exact(state.front, limit, rules);
+      in_first_unit = in_first_unit && std::abs(state.front.position - begin) < circle.length();
+      if (!in_first_unit && follow_guide(state, best)) continue;
+      if (!in_first_unit || !follow_trail(state)) {
+        const StepChoice step = next_step(state.front);
+        if (step.kind == '-') break;
+        if (in_first_unit) trail.note(state.front, step);
+        commit(step.kind, state);
+        way_is_free = runs.extend_exact(state.front, limit, rules);
+      }
       if (state.front.score > best.front.score) best = state;
     }
     guides.end_stretch();
@@ -71,10 +79,6 @@ class ImperfectWalk {
     std::size_t stretches;    ///< that were only named
     std::size_t stretch_end;  ///< of the last of them: this state may lie inside it
   };
-
-  /// A step may be tried only while the score after it stays above minus the unit length.
-  bool mismatch_permitted(const FrontState& front) const { return front.score + rules.mismatch_score > bound; }
-  bool indel_permitted(const FrontState& front) const { return front.score + rules.indel_score > bound; }
 
   FrontState after_mismatch(FrontState front) const {
     front.take_base();
@@ -100,25 +104,35 @@ class ImperfectWalk {
     return front.score + rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score) > bound;
   }
 
-  char next_step(const FrontState& front) {
-    if (!all_permitted(front)) {
-      guides.end_stretch();
-      return choose_step(front);
+  StepChoice next_step(const FrontState& front) {
+    if (front.score + std::max(rules.mismatch_score, rules.indel_score) <= bound) return {'-'};
+    const std::int64_t rest = unit_bases_ahead(front);
+    StepChoice step = memo.step_at(front, rest, front.score - bound);
+    if (step.kind == '?') {
+      step = window.choose(front, limit);
+      if (step.kind == '?') step = deep_step(front);
+      memo.note(front, step, rest);
     }
-    const char kind = remembered_step(front);
-    guides.note(front, kind);
-    return kind;
+    if (all_permitted(front)) {
+      guides.note(front, step.kind);
+    } else {
+      guides.end_stretch();
+    }
+    return step;
   }
 
-  /// The best step where all are permitted, found or remembered.
-  char remembered_step(const FrontState& front) {
-    const std::int64_t rest = unit_bases_ahead(front);
-    const char known = memo.step_at(front, rest);
-    if (known != '?') return known;
-    const char kind = window.choose(front, limit, true, true);
-    if (kind == '?') return deep_step(front, true, true);
-    memo.note(front, kind, rest, window.unit_bases_seen());
-    return kind;
+  /// Goes on like the walk before this one, up to where that stopped next. False if the walk has not moved.
+  bool follow_trail(State& state) {
+    const auto* const stop = trail.way_on(state.front, circle, state.front.score - bound);
+    if (stop == nullptr) return false;
+    trail.note(state.front, stop->step);
+    const FrontState from = state.front;
+    commit(stop->step.kind, state);
+    const FrontState& before = stop[0].front;
+    const FrontState& then = stop[1].front;
+    state.front = {then.position, then.unit, from.score + then.score - before.score,
+                   from.num_Ns + then.num_Ns - before.num_Ns};
+    return true;
   }
 
   /// Until the unit begins anew.
@@ -192,29 +206,17 @@ class ImperfectWalk {
     state.events = sat.missense.size;
   }
 
-  /// The first step of the best combination of steps within the lookahead: 'M', 'I', 'D', or '-' when none is
-  /// permitted. On equal values a mismatch wins over an insertion and that over a deletion.
-  char choose_step(const FrontState& front) {
-    const bool mismatch = mismatch_permitted(front);
-    const bool indel = indel_permitted(front);
-    if (!mismatch && !indel) return '-';
-    const char obvious = window.choose(front, limit, mismatch, indel);
-    return obvious != '?' ? obvious : deep_step(front, mismatch, indel);
-  }
-
-  /// As choose_step, without the window. Of two ways into one state, same position and unit base after equally many
-  /// steps, only the higher-scoring one is followed: the bound forbids it nothing that it permits the other, and every
-  /// later score is higher by the same difference. So the work grows polynomially with the depth.
-  char deep_step(const FrontState& front, bool mismatch, bool indel) {
-    constexpr std::int64_t lost = FirstStepScores::lost;
-    FirstStepScores values(mismatch ? front.score + rules.mismatch_score : lost,
-                           indel ? front.score + rules.indel_score : lost,
-                           indel ? front.score + rules.indel_score : lost);
+  /// The first step of the best combination of steps within the lookahead, without the window. On equal values a
+  /// mismatch wins over an insertion and that over a deletion. Of two ways into one state, same position and unit base
+  /// after equally many steps, only the higher-scoring one is followed: the bound forbids it nothing that it permits the
+  /// other, and every later score is higher by the same difference. So the work grows polynomially with the depth.
+  StepChoice deep_step(const FrontState& front) {
+    FirstSteps first(front.score, rules, circle);
     level.clear();
-    if (mismatch) level.add(after_mismatch(front), values.only_mismatch());
-    if (indel) {
-      level.add(after_insertion(front), values.only_insertion());
-      level.add(after_deletion(front), values.only_deletion());
+    if (first.mismatch_permitted) level.add(after_mismatch(front), first.scores.only_mismatch());
+    if (first.indel_permitted) {
+      level.add(after_insertion(front), first.scores.only_insertion());
+      level.add(after_deletion(front), first.scores.only_deletion());
     }
     for (std::int64_t depth = 1; !level.nodes().empty(); ++depth) {
       next_level.clear();
@@ -222,18 +224,26 @@ class ImperfectWalk {
         const std::int64_t score = state.score;
         const bool way_is_free = runs.extend_exact(state, limit, rules);
         scores.add_matches(state.score - score);
-        values.raise_to(scores);
-        if (way_is_free && depth < rules.maximum_depth && state.position != limit) add_steps(state, scores);
+        first.scores.raise_to(scores);
+        if (way_is_free && depth < rules.maximum_depth && state.position != limit) add_steps(state, scores, first);
       }
+      if (is_settled(next_level.nodes(), first)) break;
       std::swap(level, next_level);
     }
-    return values.best();
+    return first.choice(StepChoice::whole_unit);
   }
 
-  void add_steps(const FrontState& state, const FirstStepScores& scores) {
-    const FirstStepScores mismatched = scores.after(rules.mismatch_score, bound);
+  /// Whether only ways that begin with the step that is best so far go on.
+  template <typename Nodes>
+  static bool is_settled(const Nodes& nodes, const FirstSteps& first) {
+    const std::size_t best = first.scores.best();
+    return std::all_of(nodes.begin(), nodes.end(), [best](const auto& node) { return node.scores.is_only(best); });
+  }
+
+  void add_steps(const FrontState& state, const FirstStepScores& scores, FirstSteps& first) {
+    const FirstStepScores mismatched = scores.after(rules.mismatch_score, bound, first.missing);
     if (!mismatched.is_lost()) next_level.add(after_mismatch(state), mismatched);
-    const FirstStepScores shifted = scores.after(rules.indel_score, bound);
+    const FirstStepScores shifted = scores.after(rules.indel_score, bound, first.missing);
     if (shifted.is_lost()) return;
     next_level.add(after_insertion(state), shifted);
     next_level.add(after_deletion(state), shifted);
@@ -284,6 +294,7 @@ class ImperfectWalk {
   WalkAids<forward>& aids;
   WalkGuides<forward>& guides;
   StepMemo<forward>& memo;
+  WalkTrail<forward>& trail;
   FrontSet<forward>& level;
   FrontSet<forward>& next_level;
   std::vector<GuidedStretch<forward>>* const stretches;

@@ -9,6 +9,7 @@
 #include "search/base_planes.h"
 #include "search/first_step_scores.h"
 #include "search/front.h"
+#include "search/step_choice.h"
 #include "search/unit_runs.h"
 
 /// 128 bits in one value; a compiler extension that g++ and clang have on every 64-bit machine.
@@ -61,13 +62,39 @@ class LookaheadSpace {
     return true;
   }
 
+  /// To be called before the stops of a lookahead.
+  void begin_stops() {
+    if (++stops_number_ != 0) return;
+    for (Stop& stop : stops_) stop.number = 0;
+    stops_number_ = 1;
+  }
+
+  /// Notes the ways that have stopped at a place, those of fewer steps first, and forgets those that can do nothing
+  /// better than others there.
+  void note_stop(const Place& place, FirstStepScores& scores) {
+    Stop& stop = stops_[static_cast<std::size_t>(place.position * drifts + place.drift + most_drift)];
+    if (stop.number != stops_number_) {
+      stop = {stops_number_, scores};
+      return;
+    }
+    scores.drop_what_is_beaten_by(stop.scores);
+    stop.scores.raise_to(scores);
+  }
+
   Level levels[2];
 
  private:
+  struct Stop {
+    std::uint32_t number = 0;  ///< that of the lookahead that has noted it
+    FirstStepScores scores = FirstStepScores::none();
+  };
+
   static constexpr int index_bits = 8;
   static constexpr std::int64_t drifts = 2 * most_drift + 1;
   std::uint32_t level_number_ = 0;
   std::uint32_t nodes_at_[(width + 1) * drifts] = {};  ///< number of a level, and of its node that has the place
+  std::uint32_t stops_number_ = 0;
+  Stop stops_[(width + 1) * drifts];
 };
 
 /// Decides the steps of an imperfect walk on one bit for each comparison, for 64 sequence positions and all lags within
@@ -77,6 +104,9 @@ class LookaheadSpace {
 /// run. Where none is within reach of the lookahead, the value of a first step is its own score, and the best of the
 /// three is found by comparing three runs of matches. Otherwise the lookahead is done, cut off wherever no long run is
 /// in reach.
+///
+/// Most often in a satellite just one first step leads to a long run. Then only ways that begin with another step are
+/// followed, and no further than to that run, until nothing but it is in their reach.
 ///
 /// The window stays valid for the walk that it was made for: one unit, one direction. It says nothing near N and the
 /// sequence's ends, where matches run out of it, and for depths or penalties beyond its width.
@@ -96,38 +126,34 @@ class LookaheadWindow {
                 reach(rules.maximum_depth) <= width),
         space_(space) {}
 
-  /// The best first step of a walk that has stopped at `front`, of those permitted: 'M', 'I' or 'D'; '?' if the window
-  /// cannot tell. `limit` is where the sequence ends for this direction.
-  char choose(const Front<forward>& front, const char* limit, bool mismatch_permitted, bool indel_permitted) {
-    if (!usable_ || !locate(front, limit)) return '?';
+  /// The best first step of a walk that has stopped at `front`, of those permitted; '?' if the window cannot tell.
+  /// `limit` is where the sequence ends for this direction. At least one kind of step must be permitted.
+  StepChoice choose(const Front<forward>& front, const char* limit) {
+    if (!usable_ || !locate(front, limit)) return {};
     Place here{position_, drift_};
     const bool plain = no_long_run_in_reach(here.position, rules_.maximum_depth);
-    if (!plain && position_ > 0) {  // the lookahead needs all the room there is
-      made_ = make(front, limit);
-      if (!made_ || !place(front)) return '?';
-      here = {position_, drift_};
-    }
     seen_ = position_ + reach(rules_.maximum_depth);
-    constexpr std::int64_t lost = FirstStepScores::lost;
-    FirstStepScores values(mismatch_permitted ? front.score + rules_.mismatch_score : lost,
-                           indel_permitted ? front.score + rules_.indel_score : lost,
-                           indel_permitted ? front.score + rules_.indel_score : lost);
+    FirstSteps first(front.score, rules_, circle_);
     if (plain) {
-      values.add_matches(run(here.position + 1, here.drift), run(here.position + 1, here.drift + 1),
-                         run(here.position, here.drift - 1));
-    } else if (!look_ahead(here, values, mismatch_permitted, indel_permitted)) {
-      return '?';
+      first.scores.add_matches(run(after_mismatch(here)), run(after_insertion(here)), run(after_deletion(here)));
+    } else if (!follow_long_run(here, first)) {
+      first = FirstSteps(front.score, rules_, circle_);
+      if (position_ > 0) {  // the lookahead needs all the room there is
+        made_ = make(front, limit);
+        if (!made_ || !place(front)) return {};
+        here = {position_, drift_};
+      }
+      seen_ = position_ + reach(rules_.maximum_depth);
+      if (!look_ahead(here, first)) return {};
     }
-    return values.best();
+    return first.choice(seen_ - position_ + rules_.maximum_depth);
   }
-
-  /// How many unit bases from the front on the last choice depends on, at most.
-  std::int64_t unit_bases_seen() const { return seen_ - position_ + rules_.maximum_depth; }
 
  private:
   static constexpr std::int64_t width = LookaheadSpace::width;
   static constexpr std::int64_t most_drift = LookaheadSpace::most_drift;
   static constexpr std::int64_t most_depth = 8;
+  static constexpr std::size_t no_kind = 3;
   using Place = LookaheadSpace::Place;
   using Node = LookaheadSpace::Node;
   using Level = LookaheadSpace::Level;
@@ -136,42 +162,115 @@ class LookaheadWindow {
   static Place after_insertion(const Place& p) { return {p.position + 1, p.drift + 1}; }
   static Place after_deletion(const Place& p) { return {p.position, p.drift - 1}; }
 
-  /// Raises each value, the score right after a first step, to the highest score within the lookahead behind it; false
-  /// if that leaves the window.
-  bool look_ahead(const Place& here, FirstStepScores& values, bool mismatch_permitted, bool indel_permitted) {
+  /// A run of matches at one drift, positions [begin, end).
+  struct Run {
+    std::int64_t drift;
+    std::int64_t begin;
+    std::int64_t end;
+  };
+
+  /// If just one of the first steps leads to a long run, and it is the best one, leaves only its score. Otherwise false.
+  ///
+  /// Another way that comes to that run has taken more steps and has a lower score there than the one that began with
+  /// it, or an equal one behind a mismatch. So it can do nothing better from there on.
+  bool follow_long_run(const Place& here, FirstSteps& first) {
+    if (rules_.mismatch_score < 2 * rules_.indel_score) return false;
+    const Place places[] = {after_mismatch(here), after_insertion(here), after_deletion(here)};
+    const bool permitted[] = {first.mismatch_permitted, first.indel_permitted, first.indel_permitted};
+    std::size_t best = no_kind;
+    for (std::size_t kind = 0; kind < 3; ++kind) {
+      if (!permitted[kind] || run(places[kind]) < long_run_) continue;
+      if (best != no_kind) return false;
+      best = kind;
+    }
+    if (best == no_kind) return false;
+    const Run way{places[best].drift, places[best].position, places[best].position + run(places[best])};
+    const FirstStepScores only[] = {first.scores.only_mismatch(), first.scores.only_insertion(),
+                                    first.scores.only_deletion()};
+    const std::int64_t goal = first.scores.score_of(best) + way.end - way.begin;
+    const std::uint64_t others = long_runs_but(way);
     Level* level = &space_.levels[0];
     Level* next = &space_.levels[1];
     space_.begin(*level);
-    if (mismatch_permitted) space_.push(after_mismatch(here), values.only_mismatch(), *level);
-    if (indel_permitted) {
-      space_.push(after_insertion(here), values.only_insertion(), *level);
-      space_.push(after_deletion(here), values.only_deletion(), *level);
+    for (std::size_t kind = 0; kind < 3; ++kind) {
+      if (permitted[kind] && kind != best) space_.push(places[kind], only[kind], *level);
     }
     for (std::int64_t left = rules_.maximum_depth - 1; level->size > 0; --left) {
       space_.begin(*next);
       for (std::size_t i = 0; i < level->size; ++i) {
         Node& node = level->nodes[i];
-        const std::int64_t matches = run(node.place.position, node.place.drift);
+        if (node.place.drift == way.drift && node.place.position <= way.end) continue;
+        const std::int64_t matches = run(node.place);
         node.place.position += matches;
         node.scores.add_matches(matches);
-        values.raise_to(node.scores);
-        if (node.place.position >= width) return false;  // the run may go on outside
         const std::int64_t seen = node.place.position + (left == 0 ? 1 : reach(left));
-        if (seen > width) return false;
+        if (node.scores.highest() >= goal || seen > width) return false;
         seen_ = std::max(seen_, seen);
-        if (left == 0) continue;
-        if (!no_long_run_in_reach(node.place.position, left) && !push_steps(node, *next)) return false;
+        if (left == 0 || !is_in_reach(others, node.place.position, left)) continue;
+        if (!push_steps(node, first, *next)) return false;
       }
       std::swap(level, next);
     }
+    first.scores = only[best];
     return true;
   }
 
-  bool push_steps(const Node& node, Level& next) {
-    const std::int64_t bound = -circle_.length();
-    const FirstStepScores mismatched = node.scores.after(rules_.mismatch_score, bound);
+  /// Raises each value, the score right after a first step, to the highest score within the lookahead behind it, as far
+  /// as the choice needs that; false if the ways leave the window. Those that all begin with the best step may: they
+  /// could only make it better.
+  bool look_ahead(const Place& here, FirstSteps& first) {
+    Level* level = &space_.levels[0];
+    Level* next = &space_.levels[1];
+    space_.begin(*level);
+    if (first.mismatch_permitted) space_.push(after_mismatch(here), first.scores.only_mismatch(), *level);
+    if (first.indel_permitted) {
+      space_.push(after_insertion(here), first.scores.only_insertion(), *level);
+      space_.push(after_deletion(here), first.scores.only_deletion(), *level);
+    }
+    space_.begin_stops();
+    std::size_t kind_outside = no_kind;
+    const auto go_outside = [&](const FirstStepScores& scores) {
+      const std::size_t kind = scores.best();
+      const bool may_go = scores.is_only(kind) && (kind_outside == no_kind || kind_outside == kind);
+      kind_outside = kind;
+      seen_ = width;
+      return may_go;
+    };
+    for (std::int64_t left = rules_.maximum_depth - 1; level->size > 0; --left) {
+      space_.begin(*next);
+      for (std::size_t i = 0; i < level->size; ++i) {
+        Node& node = level->nodes[i];
+        const std::int64_t matches = run(node.place);
+        node.place.position += matches;
+        node.scores.add_matches(matches);
+        first.scores.raise_to(node.scores);
+        const std::int64_t seen = node.place.position + (left == 0 ? 1 : reach(left));
+        if (seen > width) {
+          if (!go_outside(node.scores)) return false;
+          continue;
+        }
+        seen_ = std::max(seen_, seen);
+        if (left == 0 || no_long_run_in_reach(node.place.position, left)) continue;
+        space_.note_stop(node.place, node.scores);
+        if (!node.scores.is_lost() && !push_steps(node, first, *next)) return false;
+      }
+      if (is_settled(*next, first)) break;
+      std::swap(level, next);
+    }
+    return kind_outside == no_kind || kind_outside == first.scores.best();
+  }
+
+  /// Whether only ways that begin with the step that is best so far go on.
+  static bool is_settled(const Level& level, const FirstSteps& first) {
+    const std::size_t best = first.scores.best();
+    return std::all_of(level.nodes, level.nodes + level.size,
+                       [best](const Node& node) { return node.scores.is_only(best); });
+  }
+
+  bool push_steps(const Node& node, FirstSteps& first, Level& next) {
+    const FirstStepScores mismatched = node.scores.after(rules_.mismatch_score, first.bound, first.missing);
     if (!mismatched.is_lost() && !space_.push(after_mismatch(node.place), mismatched, next)) return false;
-    const FirstStepScores shifted = node.scores.after(rules_.indel_score, bound);
+    const FirstStepScores shifted = node.scores.after(rules_.indel_score, first.bound, first.missing);
     if (shifted.is_lost()) return true;
     return space_.push(after_insertion(node.place), shifted, next) &&
            space_.push(after_deletion(node.place), shifted, next);
@@ -184,16 +283,31 @@ class LookaheadWindow {
 
   /// Whether no run that pays for its step begins where `steps` steps can lead from a state that has stopped.
   bool no_long_run_in_reach(std::int64_t position, std::int64_t steps) const {
+    return !is_in_reach(long_runs_, position, steps);
+  }
+
+  bool is_in_reach(std::uint64_t long_runs, std::int64_t position, std::int64_t steps) const {
     const std::int64_t count = starts(steps);
-    return forward ? (long_runs_ >> position & low_bits(count)) == 0 : long_runs_ << position >> (width - count) == 0;
+    return (forward ? (long_runs >> position & low_bits(count)) : long_runs << position >> (width - count)) != 0;
+  }
+
+  /// Where long runs begin, but for the places inside this one.
+  std::uint64_t long_runs_but(const Run& way) const {
+    const std::uint64_t inside = forward ? low_bits(way.end) & ~low_bits(way.begin)
+                                         : ~low_bits(width - way.end) & low_bits(width - way.begin);
+    std::uint64_t others = starts_at_[way.drift + most_drift] & ~inside;
+    for (std::int64_t drift = -most_drift; drift <= most_drift; ++drift) {
+      if (drift != way.drift) others |= starts_at_[drift + most_drift];
+    }
+    return others;
   }
 
   /// The matches in a row from a state on.
-  std::int64_t run(std::int64_t position, std::int64_t drift) const {
-    const std::uint64_t matches = matches_[drift + most_drift];
-    if (position >= width) return 0;
-    const std::uint64_t misses = forward ? ~matches >> position : ~matches << position;
-    if (misses == 0) return width - position;
+  std::int64_t run(const Place& place) const {
+    const std::uint64_t matches = matches_[place.drift + most_drift];
+    if (place.position >= width) return 0;
+    const std::uint64_t misses = forward ? ~matches >> place.position : ~matches << place.position;
+    if (misses == 0) return width - place.position;
     return forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
   }
 
@@ -240,7 +354,8 @@ class LookaheadWindow {
       const std::uint64_t differ = (low ^ static_cast<std::uint64_t>(unit_low >> shift)) |
                                    (high ^ static_cast<std::uint64_t>(unit_high >> shift));
       matches_[drift + most_drift] = ~differ;
-      long_runs_ |= starts_of_long_runs(~differ);
+      starts_at_[drift + most_drift] = starts_of_long_runs(~differ);
+      long_runs_ |= starts_at_[drift + most_drift];
     }
     return true;
   }
@@ -276,4 +391,5 @@ class LookaheadWindow {
   std::int64_t drift_ = 0;     ///< of the front: sequence bases less unit bases taken since the anchor
   std::uint64_t long_runs_ = 0;
   std::uint64_t matches_[2 * most_drift + 1];
+  std::uint64_t starts_at_[2 * most_drift + 1];  ///< of long runs, for each drift
 };

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "search/front.h"
+#include "search/step_choice.h"
 
 /// The steps that earlier walks found best, by the place in the sequence and the unit base expected there.
 ///
@@ -23,22 +25,28 @@ class StepMemo {
   /// Empties the memo.
   void forget() { table_.clear(); }
 
-  /// The step noted for a walk that has stopped at `front`; '?' if there is none. `rest` unit bases are left until the
-  /// unit begins anew.
-  char step_at(const Front<forward>& front, std::int64_t rest) const {
-    if (table_.empty() || !has_key(front)) return '?';
+  /// The step noted for a walk that has stopped at `front` at this height above the bound; '?' if there is none. `rest`
+  /// unit bases are left until the unit begins anew.
+  StepChoice step_at(const Front<forward>& front, std::int64_t rest, std::int64_t height) const {
+    if (table_.empty() || !has_key(front)) return {};
     const std::uint64_t entry = table_[slot_of(key_of(front))];
-    if (entry >> value_bits != key_of(front)) return '?';
-    const auto seen = static_cast<std::int64_t>(entry >> kind_bits & most_seen);
-    return seen <= rest ? kinds[entry & kind_mask] : '?';
+    if (entry >> value_bits != key_of(front)) return {};
+    const auto seen = static_cast<std::int64_t>(entry >> (kind_bits + lowest_bits) & most_seen);
+    const auto lowest = static_cast<std::int64_t>(entry >> kind_bits & most_lowest);
+    if (seen > rest || lowest > height) return {};
+    return {kinds[entry & kind_mask], seen, lowest, StepChoice::any_height};
   }
 
-  /// Notes a step for which the lookahead has seen at most `seen` unit bases, if that is no more than `rest`.
-  void note(const Front<forward>& front, char kind, std::int64_t rest, std::int64_t seen) {
-    if (seen > rest || seen > static_cast<std::int64_t>(most_seen) || !has_key(front)) return;
+  /// Notes a step, if the same is chosen with any greater height and it does not depend on the end of the unit.
+  void note(const Front<forward>& front, const StepChoice& step, std::int64_t rest) {
+    if (step.unit_bases_seen > std::min(rest, static_cast<std::int64_t>(most_seen)) || !has_key(front)) return;
+    if (step.highest != StepChoice::any_height || step.lowest > static_cast<std::int64_t>(most_lowest)) return;
     if (table_.empty()) table_.assign(slots, 0);
-    const std::uint64_t number = kind == 'M' ? 1 : kind == 'I' ? 2 : 3;
-    const std::uint64_t value = static_cast<std::uint64_t>(seen) << kind_bits | number;
+    const std::uint64_t number = step.kind == 'M' ? 1 : step.kind == 'I' ? 2 : 3;
+    const std::uint64_t value = (static_cast<std::uint64_t>(step.unit_bases_seen) << lowest_bits |
+                                 static_cast<std::uint64_t>(step.lowest))
+                                    << kind_bits |
+                                number;
     table_[slot_of(key_of(front))] = key_of(front) << value_bits | value;
   }
 
@@ -47,8 +55,10 @@ class StepMemo {
   static constexpr std::uint64_t kind_mask = 3;
   static constexpr char kinds[] = {'?', 'M', 'I', 'D'};
   static constexpr std::uint64_t most_seen = 127;
-  static constexpr int value_bits = 9;
-  static constexpr int lag_bits = 23;
+  static constexpr int lowest_bits = 7;
+  static constexpr std::uint64_t most_lowest = 127;
+  static constexpr int value_bits = 16;
+  static constexpr int lag_bits = 16;
   static constexpr int position_bits = 32;
   static constexpr int slot_bits = 16;
   static constexpr std::size_t slots = std::size_t{1} << slot_bits;

@@ -6,6 +6,7 @@
 #include "search/lookahead_window.h"
 #include "search/step_memo.h"
 #include "search/walk_guide.h"
+#include "search/walk_trail.h"
 
 /// What the walks of one sequence, one direction and one thread remember of one another. Without it every walk would
 /// go the same way more slowly.
@@ -13,6 +14,7 @@ template <bool forward>
 struct WalkAids {
   WalkGuides<forward> guides;
   StepMemo<forward> memo;
+  WalkTrail<forward> trail;
   LookaheadSpace space;
   FrontSet<forward> level;  ///< working space of the lookahead outside the window
   FrontSet<forward> next_level;
@@ -24,9 +26,11 @@ struct WalkAids {
     if (limit != limit_) {
       guides.forget();
       memo.forget();
+      trail.forget();
       limit_ = limit;
     }
     guides.begin_walk(circle);
+    trail.begin_walk();
   }
 
   /// The sequence, half-open range.
