@@ -49,14 +49,14 @@ class ImperfectWalk {
     bool way_is_free = runs.extend_exact(state.front, limit, rules);
     State best = state;
     const char* const begin = state.front.position;
-    bool in_first_unit = true;
+    bool is_on_trail = true;
     while (way_is_free && rules.maximum_depth > 0 && state.front.position != limit) {
-      in_first_unit = in_first_unit && std::abs(state.front.position - begin) < circle.length();
-      if (!in_first_unit && follow_guide(state, best)) continue;
-      if (!in_first_unit || !follow_trail(state)) {
+      is_on_trail = is_on_trail && std::abs(state.front.position - begin) < std::max(circle.length(), trail_bases);
+      if (!is_on_trail && follow_guide(state, best)) continue;
+      if (!is_on_trail || !follow_trail(state)) {
         const StepChoice step = next_step(state.front);
         if (step.kind == '-') break;
-        if (in_first_unit) trail.note(state.front, step);
+        if (is_on_trail) trail.note(state.front, step);
         commit(step.kind, state);
         way_is_free = runs.extend_exact(state.front, limit, rules);
       }
@@ -123,15 +123,11 @@ class ImperfectWalk {
 
   /// Goes on like the walk before this one, up to where that stopped next. False if the walk has not moved.
   bool follow_trail(State& state) {
-    const auto* const stop = trail.way_on(state.front, circle, state.front.score - bound);
-    if (stop == nullptr) return false;
-    trail.note(state.front, stop->step);
-    const FrontState from = state.front;
-    commit(stop->step.kind, state);
-    const FrontState& before = stop[0].front;
-    const FrontState& then = stop[1].front;
-    state.front = {then.position, then.unit, from.score + then.score - before.score,
-                   from.num_Ns + then.num_Ns - before.num_Ns};
+    const auto way = trail.way_on(state.front, state.front.score - bound);
+    if (!way) return false;
+    trail.note(state.front, way->step);
+    commit(way->step.kind, state);
+    state.front = way->then;
     return true;
   }
 
@@ -282,6 +278,8 @@ class ImperfectWalk {
   }
 
   static constexpr std::size_t longest_told_stretch = 512;
+  /// Trails lead so far, or through a unit. Behind them are guides.
+  static constexpr std::int64_t trail_bases = 256;
 
   Csat& sat;
   const UnitCircle circle;

@@ -30,7 +30,7 @@ struct WalkAids {
       limit_ = limit;
     }
     guides.begin_walk(circle);
-    trail.begin_walk();
+    trail.begin_walk(circle);
   }
 
   /// The sequence, half-open range.
