@@ -49,7 +49,7 @@ class ImperfectWalk {
     bool way_is_free = runs.extend_exact(state.front, limit, rules);
     State best = state;
     const char* const begin = state.front.position;
-    bool is_on_trail = true;
+    bool is_on_trail = circle.length() >= shortest_unit_with_trails;
     while (way_is_free && rules.maximum_depth > 0 && state.front.position != limit) {
       is_on_trail = is_on_trail && std::abs(state.front.position - begin) < std::max(circle.length(), trail_bases);
       if (!is_on_trail && follow_guide(state, best)) continue;
@@ -107,11 +107,13 @@ class ImperfectWalk {
   StepChoice next_step(const FrontState& front) {
     if (front.score + std::max(rules.mismatch_score, rules.indel_score) <= bound) return {'-'};
     const std::int64_t rest = unit_bases_ahead(front);
-    StepChoice step = memo.step_at(front, rest, front.score - bound);
+    const bool may_be_shared = rest >= window.fewest_unit_bases_seen();
+    StepChoice step;
+    if (may_be_shared) step = memo.step_at(front, rest, front.score - bound);
     if (step.kind == '?') {
       step = window.choose(front, limit);
       if (step.kind == '?') step = deep_step(front);
-      memo.note(front, step, rest);
+      if (may_be_shared) memo.note(front, step, rest);
     }
     if (all_permitted(front)) {
       guides.note(front, step.kind);
@@ -280,6 +282,8 @@ class ImperfectWalk {
   static constexpr std::size_t longest_told_stretch = 512;
   /// Trails lead so far, or through a unit. Behind them are guides.
   static constexpr std::int64_t trail_bases = 256;
+  /// The walks of shorter ones are done in a step or two.
+  static constexpr std::int64_t shortest_unit_with_trails = 8;
 
   Csat& sat;
   const UnitCircle circle;

@@ -9,11 +9,9 @@
 #include "search/base_planes.h"
 #include "search/first_step_scores.h"
 #include "search/front.h"
+#include "search/lag_matches.h"
 #include "search/step_choice.h"
 #include "search/unit_runs.h"
-
-/// 128 bits in one value; a compiler extension that g++ and clang have on every 64-bit machine.
-__extension__ using Bits128 = unsigned __int128;
 
 /// Working space of the lookahead, to be shared by the windows of one thread: too large to be cleared for each walk.
 class LookaheadSpace {
@@ -122,9 +120,13 @@ class LookaheadWindow {
         circle_(circle),
         rules_(rules),
         long_run_(std::min(-rules.mismatch_score, -rules.indel_score) + 1),
+        drift_limit_(std::min(most_drift, rules.maximum_depth + 3)),
         usable_(rules.maximum_depth >= 1 && rules.maximum_depth <= most_depth && long_run_ <= 16 &&
                 reach(rules.maximum_depth) <= width),
         space_(space) {}
+
+  /// A choice depends on so many unit bases at least.
+  std::int64_t fewest_unit_bases_seen() const { return reach(rules_.maximum_depth) + rules_.maximum_depth; }
 
   /// The best first step of a walk that has stopped at `front`, of those permitted; '?' if the window cannot tell.
   /// `limit` is where the sequence ends for this direction. At least one kind of step must be permitted.
@@ -295,16 +297,16 @@ class LookaheadWindow {
   std::uint64_t long_runs_but(const Run& way) const {
     const std::uint64_t inside = forward ? low_bits(way.end) & ~low_bits(way.begin)
                                          : ~low_bits(width - way.end) & low_bits(width - way.begin);
-    std::uint64_t others = starts_at_[way.drift + most_drift] & ~inside;
-    for (std::int64_t drift = -most_drift; drift <= most_drift; ++drift) {
-      if (drift != way.drift) others |= starts_at_[drift + most_drift];
+    std::uint64_t others = 0;
+    for (std::int64_t lag = 0; lag <= 2 * drift_limit_; ++lag) {
+      others |= lags_.long_runs[lag] & (lag == lag_number(way.drift) ? ~inside : ~std::uint64_t{0});
     }
     return others;
   }
 
   /// The matches in a row from a state on.
   std::int64_t run(const Place& place) const {
-    const std::uint64_t matches = matches_[place.drift + most_drift];
+    const std::uint64_t matches = lags_.matches[lag_number(place.drift)];
     if (place.position >= width) return 0;
     const std::uint64_t misses = forward ? ~matches >> place.position : ~matches << place.position;
     if (misses == 0) return width - place.position;
@@ -329,7 +331,7 @@ class LookaheadWindow {
     if (2 * drift > length) drift -= length;
     if (2 * drift < -length) drift += length;
     drift_ = drift;
-    return std::abs(drift_) + rules_.maximum_depth <= most_drift;
+    return std::abs(drift_) + rules_.maximum_depth <= drift_limit_;
   }
 
   bool make(const Front<forward>& front, const char* limit) {
@@ -339,47 +341,30 @@ class LookaheadWindow {
     anchor_unit_ = front.unit;
     const std::int64_t first = front.position - first_base_ - (forward ? 0 : width);
     if (planes_.unknown_bits(first) != 0) return false;
-    const std::uint64_t low = planes_.low_bits(first);
-    const std::uint64_t high = planes_.high_bits(first);
-
     // Bit j of the repeated unit is the unit base j steps after this one.
-    const std::int64_t start = front.unit - circle_.begin - most_drift - (forward ? 0 : width - 1);
+    const std::int64_t start = front.unit - circle_.begin - drift_limit_ - (forward ? 0 : width - 1);
     const std::int64_t phase = runs_.wrapped(start);
     const std::int64_t later = runs_.wrapped(phase + width);
-    const Bits128 unit_low = joined(runs_.low_bits(phase), runs_.low_bits(later));
-    const Bits128 unit_high = joined(runs_.high_bits(phase), runs_.high_bits(later));
-    long_runs_ = 0;
-    for (std::int64_t drift = -most_drift; drift <= most_drift; ++drift) {
-      const auto shift = static_cast<unsigned>(most_drift + (forward ? -drift : drift));
-      const std::uint64_t differ = (low ^ static_cast<std::uint64_t>(unit_low >> shift)) |
-                                   (high ^ static_cast<std::uint64_t>(unit_high >> shift));
-      matches_[drift + most_drift] = ~differ;
-      starts_at_[drift + most_drift] = starts_of_long_runs(~differ);
-      long_runs_ |= starts_at_[drift + most_drift];
-    }
+    const TwoPlanes<Bits128> unit{joined(runs_.low_bits(phase), runs_.low_bits(later)),
+                                  joined(runs_.high_bits(phase), runs_.high_bits(later))};
+    long_runs_ = compare_at_lags({planes_.low_bits(first), planes_.high_bits(first)}, unit,
+                                 static_cast<std::size_t>(2 * drift_limit_ + 1), static_cast<unsigned>(long_run_),
+                                 forward, lags_);
     return true;
   }
 
-  static Bits128 joined(std::uint64_t low, std::uint64_t high) { return (Bits128{high} << 64) | low; }
+  /// Where the comparisons at a drift stand.
+  std::int64_t lag_number(std::int64_t drift) const { return drift_limit_ + (forward ? -drift : drift); }
 
-  /// The positions, in the direction of the walk, at which at least `long_run_` matches begin.
-  std::uint64_t starts_of_long_runs(std::uint64_t matches) const {
-    std::uint64_t starts = matches;
-    std::int64_t length = 1;
-    while (length < long_run_) {
-      const std::int64_t step = std::min(length, long_run_ - length);
-      starts &= forward ? starts >> step : starts << step;
-      length += step;
-    }
-    return starts;
-  }
+  static Bits128 joined(std::uint64_t low, std::uint64_t high) { return (Bits128{high} << 64) | low; }
 
   const BasePlanes& planes_;
   const UnitRuns& runs_;
   const char* const first_base_;
   const UnitCircle circle_;
   const ExtensionRules& rules_;
-  const std::int64_t long_run_;  ///< matches in a row that pay for a step
+  const std::int64_t long_run_;     ///< matches in a row that pay for a step
+  const std::int64_t drift_limit_;  ///< lags on either side that are compared: those in reach, and some for the way
   const bool usable_;
   LookaheadSpace& space_;
 
@@ -390,6 +375,5 @@ class LookaheadWindow {
   std::int64_t seen_ = 0;      ///< positions that the last choice depends on
   std::int64_t drift_ = 0;     ///< of the front: sequence bases less unit bases taken since the anchor
   std::uint64_t long_runs_ = 0;
-  std::uint64_t matches_[2 * most_drift + 1];
-  std::uint64_t starts_at_[2 * most_drift + 1];  ///< of long runs, for each drift
+  LagMatches lags_;
 };

@@ -3,14 +3,7 @@
 #include <algorithm>
 #include <array>
 
-// g++ turns the loops over words into vector code. With everything inlined into one function, two versions of that
-// function are enough; the loader takes the one that suits the processor. clang 14 cannot combine the two attributes,
-// and the loader would choose before ThreadSanitizer is ready for it.
-#if defined(__x86_64__) && defined(__gnu_linux__) && !defined(__clang__) && !defined(__SANITIZE_THREAD__)
-#define WITH_WIDE_VECTORS __attribute__((flatten, target_clones("avx2", "default")))
-#else
-#define WITH_WIDE_VECTORS
-#endif
+#include "search/wide_vectors.h"
 
 namespace {
 

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// 128 bits in one value; a compiler extension that g++ and clang have on every 64-bit machine.
+__extension__ using Bits128 = unsigned __int128;
+
+/// 64 bases of a sequence against a repeated unit, at several lags: one bit for each base, set where it matches.
+struct LagMatches {
+  static constexpr std::size_t most_lags = 32;
+  std::uint64_t matches[most_lags];
+  std::uint64_t long_runs[most_lags];  ///< the bases at which long runs of matches begin, in the direction of a walk
+};
+
+/// Bases as two bit planes; bit i is base i.
+template <typename Bits>
+struct TwoPlanes {
+  Bits low;
+  Bits high;
+};
+
+/// Compares sequence base i with unit base i + lag for the lags 0 to `lags` - 1, at most 32, and marks runs of at least
+/// `long_run` matches: those that a walk towards higher positions begins, or lower ones if `forward` is false. Returns
+/// where they begin at any lag.
+std::uint64_t compare_at_lags(const TwoPlanes<std::uint64_t>& sequence, const TwoPlanes<Bits128>& unit,
+                              std::size_t lags, unsigned long_run, bool forward, LagMatches& result);
