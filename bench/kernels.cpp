@@ -83,10 +83,14 @@ void filter_long_units(benchmark::State& state) {
   const Record record(random_bases(static_cast<unsigned>(state.range(2))));
   const LagFilter filter(record.mol.begin(), record.mol.end(), rules());
   const ThresholdTable thresholds(6, 0, 1.0F);
-  std::vector<std::vector<std::uint64_t>> candidates;
+  std::vector<CandidateWords> candidates;
   for (auto _ : state) filter.mark_candidates(state.range(0), state.range(1), thresholds, candidates);
   std::size_t marked = 0;
-  for (const auto& bits : candidates) marked += count_bits(bits);
+  for (const CandidateWords& words : candidates) {
+    words.for_each(0, SIZE_MAX, [&marked](std::size_t, std::uint64_t bits) {
+      marked += static_cast<std::size_t>(__builtin_popcountll(bits));
+    });
+  }
   finish(state, marked);
 }
 BENCHMARK(filter_long_units)->Args({12, 24, 60})->Args({25, 50, 60})->Args({51, 100, 60})->Args({25, 50, 80});

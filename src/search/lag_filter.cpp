@@ -15,11 +15,12 @@ constexpr std::int64_t longest_unit = 15000;
 constexpr std::int64_t longest_unit_in_bytes = 192;
 /// Lines across the shortest unit of a range.
 constexpr std::int64_t lines_in_unit = 4;
-/// Seeds decided at a time start in a stretch of so many bases, apart from very long units; the bases around it have to
-/// be worked as well.
-constexpr std::int64_t block_bases = 4096;
-/// The candidates of a range may take this much, and half a byte for each base.
-constexpr std::size_t free_bytes = std::size_t{32} << 20;
+/// Unit lengths decided together, at most. Their number times that of the rows of a block is memory.
+constexpr std::int64_t most_units = 2048;
+/// Rows decided at a time, at least; those around them have to be worked as well.
+constexpr std::int64_t fewest_rows = 8192;
+/// Seeds decided at a time, if the rows are more than that.
+constexpr std::int64_t seeds_of_block = fewest_rows * most_units / 2;
 
 std::uint16_t clamped(std::int64_t value) {
   return static_cast<std::uint16_t>(std::clamp<std::int64_t>(value, 0, UINT16_MAX));
@@ -113,7 +114,7 @@ bool LagFilter::is_useful(std::int64_t unit_length, std::int64_t minimum_score, 
 
 std::int64_t LagFilter::end_of_range(std::int64_t first, std::int64_t last) {
   // Lines lie as far apart as the shortest unit of the range bears, so a wide range would need many of them.
-  const std::int64_t end = std::min({last, 2 * first, longest_unit});
+  const std::int64_t end = std::min({last, 2 * first, first + most_units - 1, longest_unit});
   return first <= longest_unit_in_bytes ? std::min(end, longest_unit_in_bytes) : end;
 }
 
@@ -123,12 +124,12 @@ std::int64_t LagFilter::mark_candidates(std::int64_t first, std::int64_t last, c
   const LagTask task = make_task(first, last, minimum_scores, rules_);
   candidates.clear();
   candidates.resize(static_cast<std::size_t>(last - first + 1));
-  const auto affordable = free_bytes + static_cast<std::size_t>(end_ - begin_) / 2;
 
   const std::int64_t end_row = 2 * (end_ - begin_) - first;  // of the last seed, exclusive
-  const std::int64_t block_rows = 2 * std::max(block_bases, 4 * last);
+  const std::int64_t block_rows = std::clamp(2 * seeds_of_block / (last - first + 1), fewest_rows,
+                                              std::max(fewest_rows, 8 * last));
   const auto blocks = static_cast<std::size_t>((end_row - first + block_rows - 1) / block_rows);
-  const std::size_t at_once = std::size_t{8} * workers.count();
+  const std::size_t at_once = std::size_t{4} * workers.count();
   for (std::size_t done = 0; done < blocks; done += at_once) {
     std::vector<std::unique_ptr<BlockOfSeeds>> decided(std::min(at_once, blocks - done));
     workers.run(decided.size(), [&](std::size_t number, unsigned /*worker*/) {
@@ -143,7 +144,7 @@ std::int64_t LagFilter::mark_candidates(std::int64_t first, std::int64_t last, c
       bytes += words.bytes();
     }
     // A sequence full of candidates: the longer units have to wait.
-    if (bytes > affordable) candidates.resize((candidates.size() + 1) / 2);
+    if (bytes > candidate_bytes_) candidates.resize((candidates.size() + 1) / 2);
     report_share(static_cast<double>(done + decided.size()) / static_cast<double>(blocks));
   }
   return first + static_cast<std::int64_t>(candidates.size()) - 1;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -14,9 +15,12 @@
 /// and the gains that are possible on the way are too small. doc/search.md gives the proof.
 class LagFilter {
  public:
-  /// `sequence` is the half-open range [begin, end), which must outlive the filter.
+  /// The sequence is the half-open range [begin, end), which must outlive the filter.
   LagFilter(const char* begin, const char* end, const ExtensionRules& rules)
-      : begin_(begin), end_(end), rules_(rules) {}
+      : LagFilter(begin, end, rules, default_bytes(begin, end)) {}
+  /// With the memory that the candidates of a range may take, about.
+  LagFilter(const char* begin, const char* end, const ExtensionRules& rules, std::size_t candidate_bytes)
+      : begin_(begin), end_(end), rules_(rules), candidate_bytes_(candidate_bytes) {}
 
   /// The last unit length, not above `last`, of a range that begins at `first` and is best decided together.
   static std::int64_t end_of_range(std::int64_t first, std::int64_t last);
@@ -34,7 +38,12 @@ class LagFilter {
       const std::function<void(double)>& report_share = [](double) {}) const;
 
  private:
+  static std::size_t default_bytes(const char* begin, const char* end) {
+    return (std::size_t{32} << 20) + static_cast<std::size_t>(end - begin) / 2;
+  }
+
   const char* begin_;
   const char* end_;
   ExtensionRules rules_;
+  std::size_t candidate_bytes_;
 };

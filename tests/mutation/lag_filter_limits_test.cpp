@@ -84,12 +84,14 @@ class LagFilterLimitsTest : public test::SearchTest {
     Sequence sequence(bases);
     const CSearchController controller(1, sequence.mol);
     const char* const first_base = sequence.mol.begin();
-    std::vector<std::vector<std::uint64_t>> candidates;
+    std::vector<CandidateWords> candidates;
     LagFilter(first_base, sequence.mol.end(), rules())
         .mark_candidates(unit_length, unit_length, ThresholdTable(minimum_score, 0, 0.0F), candidates);
+    std::vector<std::uint64_t> marked(bases.size() / 64 + 1);
+    candidates[0].for_each(0, marked.size(), [&](std::size_t number, std::uint64_t bits) { marked[number] = bits; });
     for (const char* p = first_base; sequence.mol.end() - p > unit_length; ++p) {
       const auto at = static_cast<std::size_t>(p - first_base);
-      if ((candidates[0][at / 64] >> (at % 64) & 1) != 0) continue;
+      if ((marked[at / 64] >> (at % 64) & 1) != 0) continue;
       ++rejected;
       ASSERT_LT(grown_score(controller, p, p + unit_length), minimum_score)
           << bases << ", seed at " << at << ", unit length " << unit_length;

@@ -90,18 +90,28 @@ TEST_F(FiltersOnThreadsTest, ARunOfOneBaseOverSeveralTasksIsMarkedThroughout) {
 
 class LagFilterOnThreadsTest : public FiltersOnThreadsTest {
  protected:
+  using Words = std::vector<std::pair<std::size_t, std::uint64_t>>;
+
+  static std::vector<Words> listed(const std::vector<CandidateWords>& candidates) {
+    std::vector<Words> lists;
+    for (const CandidateWords& words : candidates) {
+      lists.emplace_back();
+      words.for_each(0, SIZE_MAX, [&](std::size_t number, std::uint64_t bits) { lists.back().push_back({number, bits}); });
+    }
+    return lists;
+  }
+
   static void expect_same_range(const std::string& bases, std::int64_t first, std::int64_t last) {
     const test::Sequence sequence(bases);
     const ThresholdTable scores(6, 0, 1.0F);
     const LagFilter filter(sequence.mol.begin(), sequence.mol.end(), rules());
-    const std::int64_t end_of_range = filter.end_of_range(first, last);
-    std::vector<Bits> alone;
-    filter.mark_candidates(first, end_of_range, scores, alone);
+    std::vector<CandidateWords> alone;
+    ASSERT_EQ(filter.mark_candidates(first, last, scores, alone), last);
     for (const unsigned threads : {2U, 3U}) {
-      std::vector<Bits> shared;
-      filter.mark_candidates(first, end_of_range, scores, shared, Workers(threads));
-      EXPECT_EQ(shared == alone, true) << bases.size() << " bases, unit lengths " << first << " to " << end_of_range
-                                       << ", " << threads << " threads";
+      std::vector<CandidateWords> shared;
+      ASSERT_EQ(filter.mark_candidates(first, last, scores, shared, Workers(threads)), last);
+      EXPECT_EQ(listed(shared) == listed(alone), true)
+          << bases.size() << " bases, unit lengths " << first << " to " << last << ", " << threads << " threads";
     }
   }
 };
@@ -124,9 +134,9 @@ TEST_F(LagFilterOnThreadsTest, TellsTheCallerAloneHowFarItIs) {
   const auto caller = std::this_thread::get_id();
   std::vector<double> shares;
   bool is_caller = true;
-  std::vector<Bits> bits;
+  std::vector<CandidateWords> candidates;
   LagFilter(sequence.mol.begin(), sequence.mol.end(), rules())
-      .mark_candidates(40, 50, ThresholdTable(6, 0, 1.0F), bits, Workers(3), [&](double share) {
+      .mark_candidates(40, 50, ThresholdTable(6, 0, 1.0F), candidates, Workers(3), [&](double share) {
         is_caller = is_caller && std::this_thread::get_id() == caller;
         shares.push_back(share);
       });

@@ -157,30 +157,56 @@ TEST_F(SeedFiltersTest, TheSeedFilterRejectsMostSeedsOfRandomBases) {
   EXPECT_LT(candidates, 500);
 }
 
+Bits bits_of(const CandidateWords& words, std::size_t bases) {
+  Bits bits(bases / 64 + 1);
+  words.for_each(0, bits.size(), [&bits](std::size_t number, std::uint64_t word) { bits[number] = word; });
+  return bits;
+}
+
 TEST_F(SeedFiltersTest, TheLagFilterRejectsNoSeedThatReachesTheScore) {
   global_maximum_recursion_depth = 2;
-  std::size_t decided = 0;
+  std::size_t rejected = 0;
   for (unsigned number = 0; number < 6; ++number) {
+    global_Ns_allowed_in_a_row = static_cast<int>(number % 3);
+    global_treat_Ns_as_missense = number == 4;
     test::Sequence sequence(bases_with_repeats(number, 400, 60));
     const LagFilter filter(sequence.mol.begin(), sequence.mol.end(), rules());
     const ThresholdTable scores(6, 0, 1.0F);
     constexpr std::int64_t first = 40;
     constexpr std::int64_t last = 70;
-    if (!LagFilter::is_useful(first, scores[first], rules()) || !LagFilter::is_useful(last, scores[last], rules())) {
-      continue;
-    }
-    ++decided;
-    const std::int64_t end_of_range = filter.end_of_range(first, last);
-    std::vector<Bits> bits;
-    filter.mark_candidates(first, end_of_range, scores, bits);
-    for (std::int64_t unit_length = first; unit_length <= end_of_range; unit_length += 3) {
-      ASSERT_THAT(wrongly_rejected(sequence, unit_length, scores[unit_length],
-                                   bits[static_cast<std::size_t>(unit_length - first)]),
-                  testing::IsEmpty())
+    ASSERT_TRUE(LagFilter::is_useful(first, scores[first], rules()));
+    ASSERT_TRUE(LagFilter::is_useful(last, scores[last], rules()));
+    ASSERT_EQ(LagFilter::end_of_range(first, last), last);
+    std::vector<CandidateWords> candidates;
+    ASSERT_EQ(filter.mark_candidates(first, last, scores, candidates), last);
+    for (std::int64_t unit_length = first; unit_length <= last; unit_length += 3) {
+      const Bits bits = bits_of(candidates[static_cast<std::size_t>(unit_length - first)], 400);
+      for (std::int64_t p = 0; p + unit_length < 400; ++p) rejected += marked(bits, p) ? 0 : 1;
+      ASSERT_THAT(wrongly_rejected(sequence, unit_length, scores[unit_length], bits), testing::IsEmpty())
           << "sequence " << number << ", unit length " << unit_length;
     }
   }
-  EXPECT_GT(decided, 0U);
+  EXPECT_GT(rejected, 1000U);
+}
+
+// Where every seed is a candidate, there is not room for all unit lengths at once. Those that are decided are decided as
+// ever.
+TEST_F(SeedFiltersTest, ARangeOfTheLagFilterIsCutShortWhereCandidatesWouldTakeTooMuch) {
+  std::string unit;
+  std::mt19937 random(3);
+  while (unit.size() < 50) unit += "ACGT"[random() % 4];
+  const test::Sequence sequence(test::repeated(unit, 1000));
+  const ThresholdTable scores(6, 0, 1.0F);
+  std::vector<CandidateWords> all;
+  const std::int64_t last =
+      LagFilter(sequence.mol.begin(), sequence.mol.end(), rules()).mark_candidates(45, 60, scores, all);
+  EXPECT_EQ(last, 60);
+  std::vector<CandidateWords> some;
+  const std::int64_t earlier =
+      LagFilter(sequence.mol.begin(), sequence.mol.end(), rules(), 40000).mark_candidates(45, 60, scores, some);
+  EXPECT_THAT(earlier, testing::AllOf(testing::Ge(45), testing::Lt(60)));
+  ASSERT_EQ(some.size(), static_cast<std::size_t>(earlier - 45 + 1));
+  for (std::size_t i = 0; i < some.size(); ++i) EXPECT_EQ(bits_of(some[i], 50000) == bits_of(all[i], 50000), true) << i;
 }
 
 }  // namespace
