@@ -53,13 +53,12 @@ class ImperfectWalk {
     while (way_is_free && rules.maximum_depth > 0 && state.front.position != limit) {
       is_on_trail = is_on_trail && std::abs(state.front.position - begin) < std::max(circle.length(), trail_bases);
       if (!is_on_trail && follow_guide(state, best)) continue;
-      if (!is_on_trail || !follow_trail(state)) {
-        const StepChoice step = next_step(state.front);
-        if (step.kind == '-') break;
-        if (is_on_trail) trail.note(state.front, step);
-        commit(step.kind, state);
-        way_is_free = runs.extend_exact(state.front, limit, rules);
-      }
+      if (is_on_trail && follow_trail(state, best)) continue;
+      const StepChoice step = next_step(state.front);
+      if (step.kind == '-') break;
+      if (is_on_trail) trail.note(state.front, step);
+      commit(step.kind, state);
+      way_is_free = runs.extend_exact(state.front, limit, rules);
       if (state.front.score > best.front.score) best = state;
     }
     guides.end_stretch();
@@ -123,14 +122,13 @@ class ImperfectWalk {
     return step;
   }
 
-  /// Goes on like the walk before this one, up to where that stopped next. False if the walk has not moved.
-  bool follow_trail(State& state) {
-    const auto way = trail.way_on(state.front, state.front.score - bound);
-    if (!way) return false;
-    trail.note(state.front, way->step);
-    commit(way->step.kind, state);
-    state.front = way->then;
-    return true;
+  /// Goes on like the walk before this one, as far as that is known to be right. False if the walk has not moved.
+  bool follow_trail(State& state, State& best) {
+    return trail.follow(
+        state.front, bound, [&](const FrontState& front, char kind) { note_step(front, kind, state); },
+        [&](const FrontState& front) {
+          if (front.score > best.front.score) best = state;
+        });
   }
 
   /// Until the unit begins anew.
@@ -247,24 +245,18 @@ class ImperfectWalk {
     next_level.add(after_deletion(state), shifted);
   }
 
-  /// Takes one step and notes its event. The base of a mismatch or an insertion is the one taken in; a deletion lies at
-  /// the base right of the gap.
   void commit(char kind, State& state) {
-    const char* const before = state.front.position;
-    switch (kind) {
-      case 'M':
-        state.front = after_mismatch(state.front);
-        ++state.counts.mismatches;
-        break;
-      case 'I':
-        state.front = after_insertion(state.front);
-        ++state.counts.insertions;
-        break;
-      default:
-        state.front = after_deletion(state.front);
-        ++state.counts.deletions;
-    }
-    sat.missense.push_back({forward ? before : state.front.position, kind});
+    note_step(state.front, kind, state);
+    state.front = kind == 'M'   ? after_mismatch(state.front)
+                  : kind == 'I' ? after_insertion(state.front)
+                                : after_deletion(state.front);
+  }
+
+  /// Counts a step from `front` and notes its event. The base of a mismatch or an insertion is the one taken in; a
+  /// deletion lies at the base right of the gap.
+  void note_step(const FrontState& front, char kind, State& state) {
+    ++(kind == 'M' ? state.counts.mismatches : kind == 'I' ? state.counts.insertions : state.counts.deletions);
+    sat.missense.push_back({forward || kind == 'D' ? front.position : front.position - 1, kind});
     state.events = sat.missense.size;
   }
 

@@ -34,7 +34,7 @@ struct WalkAids {
   }
 
   /// The sequence, half-open range.
-  WalkAids(const char* begin, const char* end) : guides(begin, end), memo(begin) {}
+  WalkAids(const char* begin, const char* end) : guides(begin, end), memo(begin), trail(begin, end) {}
 
  private:
   const char* limit_ = nullptr;

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <optional>
 #include <vector>
 
 #include "search/front.h"
@@ -21,6 +20,9 @@
 template <bool forward>
 class WalkTrail {
  public:
+  /// The sequence, half-open range.
+  WalkTrail(const char* begin, const char* end) : first_base_(begin), is_usable_(end - begin <= longest_sequence) {}
+
   /// To be called before a walk. What the walk before it noted is the trail from now on.
   void begin_walk(const UnitCircle& circle) {
     trail_.swap(noted_);
@@ -38,41 +40,70 @@ class WalkTrail {
   }
 
   /// Notes a step of the present walk, to be called for all of them from its first on, in order.
-  void note(const Front<forward>& front, const StepChoice& step) { noted_.push_back({front, step}); }
+  void note(const Front<forward>& front, const StepChoice& step) {
+    if (!is_usable_) return;
+    const auto fitting = [](std::int64_t n) { return static_cast<std::int32_t>(std::min<std::int64_t>(n, INT32_MAX)); };
+    note(front, static_cast<std::int32_t>(step.lowest), fitting(step.highest), fitting(step.unit_bases_seen), step.kind);
+  }
 
-  /// Where a walk has got to after a step and the run behind it.
-  struct Way {
-    StepChoice step;
-    Front<forward> then;
-  };
-
-  /// The way from `front`, where the walk has stopped at this height above the bound, to its next stop; nothing if the
-  /// trail does not tell. Fronts must come in the order of the walk.
-  std::optional<Way> way_on(const Front<forward>& front, std::int64_t height) {
-    while (next_ < trail_.size() && comes_before(trail_[next_].front.position, front.position)) ++next_;
-    const char* const unit = is_rotation_ ? inside(old_circle_, front.unit) : front.unit;
-    for (std::size_t i = next_; i + 1 < trail_.size() && trail_[i].front.position == front.position; ++i) {
-      if (trail_[i].front.unit != unit) continue;
-      next_ = i;
-      if (!trail_[i].step.holds(height) || !(is_rotation_ || stays_in_unit(i))) return {};
-      const Front<forward>& from = trail_[i].front;
-      Way way{trail_[i].step, trail_[i + 1].front};
-      if (is_rotation_) way.then.unit = inside(circle_, way.then.unit);
-      way.then.score += front.score - from.score;
-      way.then.num_Ns += front.num_Ns - from.num_Ns;
-      return way;
+  /// Takes a walk that has stopped at `front` as far as the trail leads, and notes its steps. `begin` is called with the
+  /// front and the kind of each step, and `end` with the front behind the run that follows it. `bound` is that of
+  /// permitted steps. False if the walk has not moved. Fronts must come in the order of the walk.
+  template <typename Begin, typename End>
+  bool follow(Front<forward>& front, std::int64_t bound, Begin begin, End end) {
+    std::size_t at = find(front);
+    const std::size_t first = at;
+    while (at + 1 < trail_.size() && trail_[at].holds(front.score - bound) &&
+           (is_rotation_ || trail_[at].unit_bases <= rest_of_unit(trail_[at]))) {
+      const Stop& stop = trail_[at];
+      const Stop& then = trail_[++at];
+      begin(front, stop.kind);
+      note(front, stop.lowest, stop.highest, stop.unit_bases, stop.kind);
+      const char* const unit = first_base_ + then.unit;
+      front.position = first_base_ + then.position;
+      front.unit = is_rotation_ ? inside(circle_, unit) : unit;
+      front.score += std::int64_t{then.score} - stop.score;
+      front.num_Ns += then.num_Ns - stop.num_Ns;
+      end(front);
     }
-    return {};
+    if (at == first) return false;
+    next_ = at;
+    return true;
   }
 
  private:
-  /// A place where a walk has stopped, and the step that it took.
+  /// A place where a walk has stopped, and the step that it took. Many are gone through, so they are kept small.
   struct Stop {
-    Front<forward> front;
-    StepChoice step;
+    std::uint32_t position;  ///< offsets in the sequence, as Front counts them
+    std::uint32_t unit;
+    std::int32_t score;
+    std::uint32_t num_Ns;
+    std::int32_t lowest;  ///< heights for which the step is the same
+    std::int32_t highest;
+    /// That the lookahead has seen; once the next stop is noted, those that must be left of a unit for the way to it to
+    /// be the same.
+    std::int32_t unit_bases;
+    char kind;
+
+    bool holds(std::int64_t height) const { return lowest <= height && height <= highest; }
+
+    /// All at once, field by field: a copy would have to wait for what was stored in parts.
+    Stop(std::uint32_t at, std::uint32_t unit_base, const Front<forward>& front, std::int32_t lowest_height,
+         std::int32_t highest_height, std::int32_t seen, char step)
+        : position(at),
+          unit(unit_base),
+          score(static_cast<std::int32_t>(front.score)),
+          num_Ns(front.num_Ns),
+          lowest(lowest_height),
+          highest(highest_height),
+          unit_bases(seen),
+          kind(step) {}
   };
 
-  static bool comes_before(const char* a, const char* b) { return forward ? a < b : a > b; }
+  /// Scores, and their heights above the bound, then have 31 bits.
+  static constexpr std::int64_t longest_sequence = std::int64_t{1} << 30;
+
+  std::uint32_t offset(const char* base) const { return static_cast<std::uint32_t>(base - first_base_); }
 
   /// Whether one unit is the other, read from a base on that lies less than a unit behind or before its beginning.
   static bool is_rotation(const UnitCircle& a, const UnitCircle& b) {
@@ -87,23 +118,52 @@ class WalkTrail {
     return base < circle.begin ? base + circle.length() : base >= circle.end ? base - circle.length() : base;
   }
 
-  /// Whether neither the lookahead at stop `i` nor the way to the next one come to where the unit begins anew, the
-  /// present one or that of the trail.
-  bool stays_in_unit(std::size_t i) const {
-    const Stop& stop = trail_[i];
-    const Front<forward>& next = trail_[i + 1].front;
-    const std::int64_t rest = forward ? std::min(circle_.end, old_circle_.end) - stop.front.unit
-                                      : stop.front.unit + 1 - std::max(circle_.begin, old_circle_.begin);
-    const std::int64_t bases = forward ? next.position - stop.front.position : stop.front.position - next.position;
-    const std::int64_t unit_bases = bases + (stop.step.kind == 'D' ? 1 : stop.step.kind == 'I' ? -1 : 0);
-    const std::int64_t moved = forward ? next.unit - stop.front.unit : stop.front.unit - next.unit;
-    return stop.step.unit_bases_seen <= rest && moved == unit_bases && moved < rest;
+  void note(const Front<forward>& front, std::int32_t lowest, std::int32_t highest, std::int32_t unit_bases, char kind) {
+    const std::uint32_t position = offset(front.position);
+    const std::uint32_t unit = offset(front.unit);
+    if (!noted_.empty()) finish(noted_.back(), position, unit);
+    noted_.emplace_back(position, unit, front, lowest, highest, unit_bases, kind);
   }
 
+  /// Neither the lookahead nor the way to the next stop may come to where the unit begins anew.
+  static void finish(Stop& stop, std::uint32_t next_position, std::uint32_t next_unit) {
+    const auto distance = [](std::uint32_t from, std::uint32_t to) {
+      return forward ? std::int64_t{to} - from : std::int64_t{from} - to;
+    };
+    const std::int64_t bases = distance(stop.position, next_position);
+    const std::int64_t moved = distance(stop.unit, next_unit);
+    const std::int64_t unit_bases = bases + (stop.kind == 'D' ? 1 : stop.kind == 'I' ? -1 : 0);
+    stop.unit_bases = moved != unit_bases ? INT32_MAX
+                                          : std::max(stop.unit_bases, static_cast<std::int32_t>(unit_bases + 1));
+  }
+
+  /// The number of the stop of the trail at which the front stands; behind the last one if there is none.
+  std::size_t find(const Front<forward>& front) {
+    const std::uint32_t position = offset(front.position);
+    const auto comes_before = [position](const Stop& stop) {
+      return forward ? stop.position < position : stop.position > position;
+    };
+    while (next_ < trail_.size() && comes_before(trail_[next_])) ++next_;
+    const std::uint32_t unit = offset(is_rotation_ ? inside(old_circle_, front.unit) : front.unit);
+    for (std::size_t i = next_; i < trail_.size() && trail_[i].position == position; ++i) {
+      if (trail_[i].unit == unit) return i;
+    }
+    return trail_.size();
+  }
+
+  /// The unit bases left from a stop on, in the present walk's unit or in that of the trail.
+  std::int64_t rest_of_unit(const Stop& stop) const {
+    const char* const unit = first_base_ + stop.unit;
+    return forward ? std::min(circle_.end, old_circle_.end) - unit
+                   : unit + 1 - std::max(circle_.begin, old_circle_.begin);
+  }
+
+  const char* const first_base_;
+  const bool is_usable_;
   std::vector<Stop> trail_;
-  std::vector<Stop> noted_;                   ///< by the present walk
-  std::size_t next_ = 0;                      ///< stops of the trail before this one lie behind the present walk
-  UnitCircle old_circle_{nullptr, nullptr};   ///< of the trail
-  UnitCircle circle_{nullptr, nullptr};       ///< of the present walk
-  bool is_rotation_ = false;                  ///< one of the two is a rotation of the other
+  std::vector<Stop> noted_;                  ///< by the present walk
+  std::size_t next_ = 0;                     ///< stops of the trail before this one lie behind the present walk
+  UnitCircle old_circle_{nullptr, nullptr};  ///< of the trail
+  UnitCircle circle_{nullptr, nullptr};      ///< of the present walk
+  bool is_rotation_ = false;                 ///< one of the two is a rotation of the other
 };
