@@ -1,0 +1,142 @@
+// The fast lookahead against the definition, and what it says of other scores.
+
+#include "search/lookahead_window.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <random>
+#include <string>
+
+namespace {
+
+/// Random bases with copies that depart from one another, and a few N.
+std::string make_sequence(std::mt19937& random, std::size_t size, std::size_t period) {
+  std::string bases;
+  while (bases.size() < size) {
+    const std::size_t i = bases.size();
+    if (random() % 400 == 0) bases += 'N';
+    if (random() % 40 == 0) continue;  // a base is missing in the copy
+    bases += i >= period && random() % 10 != 0 ? bases[i - period] : "ACGT"[random() % 4];
+    if (random() % 40 == 0) bases += "ACGT"[random() % 4];
+  }
+  return bases;
+}
+
+/// The walk's lookahead as it is defined.
+template <bool forward>
+class Definition {
+ public:
+  Definition(const ExtensionRules& rules, const UnitCircle& circle, const char* limit)
+      : rules_(rules), circle_(circle), limit_(limit) {}
+
+  /// 'M', 'I', 'D' or '-'.
+  char choose(const Front<forward>& front) const {
+    char kind = '-';
+    value(front, 0, &kind);
+    return kind;
+  }
+
+ private:
+  std::int64_t value(Front<forward> front, std::int64_t depth, char* choice) const {
+    if (!extend_exact(front, circle_, limit_, rules_)) return front.score;
+    if (depth == rules_.maximum_depth || front.position == limit_) return front.score;
+    const std::int64_t bound = -circle_.length();
+    std::int64_t best = bound - 1;
+    char kind = '-';
+    const auto attempt = [&](char step, std::int64_t penalty) {
+      if (front.score + penalty <= bound) return;
+      Front<forward> next = front;
+      next.score += penalty;
+      if (step != 'D') next.take_base();
+      if (step != 'I') next.step_unit(circle_);
+      const std::int64_t reached = value(next, depth + 1, nullptr);
+      if (kind != '-' && reached <= best) return;
+      best = reached;
+      kind = step;
+    };
+    attempt('M', rules_.mismatch_score);
+    attempt('I', rules_.indel_score);
+    attempt('D', rules_.indel_score);
+    if (choice != nullptr) *choice = kind;
+    return kind == '-' ? front.score : std::max(best, front.score);
+  }
+
+  const ExtensionRules& rules_;
+  const UnitCircle circle_;
+  const char* const limit_;
+};
+
+class LookaheadWindowTest : public testing::Test {
+ protected:
+  template <bool forward>
+  static void check(unsigned seed) {
+    std::mt19937 random(seed);
+    const auto between = [&random](std::int64_t low, std::int64_t high) {
+      return low + static_cast<std::int64_t>(random() % static_cast<unsigned>(high - low + 1));
+    };
+    const auto length = between(2, 60);
+    const std::string bases = make_sequence(random, 400, static_cast<std::size_t>(between(2, 60)));
+    const char* const begin = bases.data();
+    const char* const end = begin + bases.size();
+    const ExtensionRules rules{-between(2, 9), -between(2, 9), between(1, 5), between(0, 4), random() % 4 == 0};
+    const char* const unit = begin + between(150, 200);
+    const UnitCircle circle{unit, unit + length};
+    if (std::find(circle.begin, circle.end, 'N') != circle.end) return;
+    const char* const limit = forward ? end : begin;
+    const BasePlanes planes(begin, end);
+    const UnitRuns runs(planes, begin, circle);
+    const auto space = std::make_unique<LookaheadSpace>();
+    LookaheadWindow<forward> window(planes, runs, begin, circle, rules, *space);
+    const Definition<forward> definition(rules, circle, limit);
+    Front<forward> front{forward ? circle.end : circle.begin, forward ? circle.begin : circle.end - 1, 0, 0};
+    for (int stop = 0; stop < 12; ++stop) {
+      if (!runs.extend_exact(front, limit, rules) || front.position == limit) break;
+      for (std::int64_t height = 1; height < 60; height += between(1, 8)) {
+        front.score = height - length;
+        check_stop(window, definition, front, limit, height, rules);
+      }
+      // Any step will do: the places are what matters.
+      const auto step = random() % 6;
+      if (step != 0) front.take_base();
+      if (step != 1) front.step_unit(circle);
+    }
+  }
+
+  template <bool forward>
+  static void check_stop(LookaheadWindow<forward>& window, const Definition<forward>& definition, Front<forward> front,
+                         const char* limit, std::int64_t height, const ExtensionRules& rules) {
+    if (height + std::max(rules.mismatch_score, rules.indel_score) <= 0) return;
+    const StepChoice choice = window.choose(front, limit);
+    if (choice.kind == '?') return;
+    ++chosen;
+    ASSERT_EQ(choice.kind, definition.choose(front)) << "height " << height;
+    ASSERT_TRUE(choice.holds(height));
+    const std::int64_t score = front.score;
+    for (std::int64_t other = std::max<std::int64_t>(choice.lowest, height - 12);
+         other <= std::min(choice.highest, height + 12); other += 3) {
+      front.score = score + other - height;
+      ++heights;
+      ASSERT_EQ(choice.kind, definition.choose(front)) << "chosen at height " << height << ", at height " << other;
+    }
+  }
+
+  static std::size_t chosen;
+  static std::size_t heights;
+};
+
+std::size_t LookaheadWindowTest::chosen = 0;
+std::size_t LookaheadWindowTest::heights = 0;
+
+TEST_F(LookaheadWindowTest, ChoosesAsDefinedAtEveryHeightThatItNames) {
+  for (unsigned seed = 0; seed < 250; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    check<true>(seed);
+    check<false>(seed + 1000000);
+    if (HasFatalFailure()) return;
+  }
+  EXPECT_GT(chosen, 10000U);
+  EXPECT_GT(heights, 20000U);
+}
+
+}  // namespace
