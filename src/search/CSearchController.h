@@ -38,7 +38,8 @@ struct CandidateSet {
 
   std::size_t words() const { return static_cast<std::size_t>((seeds + 63) / 64); }
 
-  /// Calls `visit` with the number and the bits of each of the words [first, end) that is not empty, in ascending order.
+  /// Calls `visit` with the number and the bits of each of the words [first, end) that is not empty, in ascending
+  /// order.
   template <typename Visit>
   void for_each_word(std::size_t first, std::size_t end, Visit visit) const {
     if (marked != nullptr) {

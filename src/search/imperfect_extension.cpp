@@ -204,8 +204,8 @@ class ImperfectWalk {
 
   /// The first step of the best combination of steps within the lookahead, without the window. On equal values a
   /// mismatch wins over an insertion and that over a deletion. Of two ways into one state, same position and unit base
-  /// after equally many steps, only the higher-scoring one is followed: the bound forbids it nothing that it permits the
-  /// other, and every later score is higher by the same difference. So the work grows polynomially with the depth.
+  /// after equally many steps, only the higher-scoring one is followed: the bound forbids it nothing that it permits
+  /// the other, and every later score is higher by the same difference. So the work grows polynomially with the depth.
   StepChoice deep_step(const FrontState& front) {
     FirstSteps first(front.score, rules, circle);
     level.clear();

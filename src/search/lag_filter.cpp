@@ -126,16 +126,16 @@ std::int64_t LagFilter::mark_candidates(std::int64_t first, std::int64_t last, c
   candidates.resize(static_cast<std::size_t>(last - first + 1));
 
   const std::int64_t end_row = 2 * (end_ - begin_) - first;  // of the last seed, exclusive
-  const std::int64_t block_rows = std::clamp(2 * seeds_of_block / (last - first + 1), fewest_rows,
-                                              std::max(fewest_rows, 8 * last));
+  const std::int64_t block_rows =
+      std::clamp(2 * seeds_of_block / (last - first + 1), fewest_rows, std::max(fewest_rows, 8 * last));
   const auto blocks = static_cast<std::size_t>((end_row - first + block_rows - 1) / block_rows);
   const std::size_t at_once = std::size_t{4} * workers.count();
   for (std::size_t done = 0; done < blocks; done += at_once) {
     std::vector<std::unique_ptr<BlockOfSeeds>> decided(std::min(at_once, blocks - done));
     workers.run(decided.size(), [&](std::size_t number, unsigned /*worker*/) {
       const std::int64_t row = first + static_cast<std::int64_t>(done + number) * block_rows;
-      decided[number] = std::make_unique<BlockOfSeeds>(
-          task, LagBlock{begin_, end_, row, std::min(row + block_rows, end_row)});
+      decided[number] =
+          std::make_unique<BlockOfSeeds>(task, LagBlock{begin_, end_, row, std::min(row + block_rows, end_row)});
     });
     std::size_t bytes = 0;
     for (std::int64_t L = first; L < first + static_cast<std::int64_t>(candidates.size()); ++L) {

@@ -23,6 +23,9 @@ class ValueRows {
     const auto address = reinterpret_cast<std::uintptr_t>(values_.data());
     first_ = values_.data() + (64 - address % 64) % 64 / sizeof(Value);
   }
+  ValueRows(const ValueRows&) = delete;
+  ValueRows& operator=(const ValueRows&) = delete;
+  ~ValueRows() = default;
 
   Value* row(std::size_t number, std::size_t parity) { return first_ + (2 * number + parity) * stride_ + margin; }
 
@@ -261,7 +264,8 @@ class BlockVerdicts {
       limits_.row(height, parity)[lane] = static_cast<Value>(most - unit);
       limits_.row(forward_gain, parity)[lane] = static_cast<Value>(task.most_forward_gain[number]);
       // A sum of gains that is cut off must not look like little.
-      limits_.row(total_gain, parity)[lane] = static_cast<Value>(std::min<std::int64_t>(task.most_gain[number], most - 1));
+      limits_.row(total_gain, parity)[lane] =
+          static_cast<Value>(std::min<std::int64_t>(task.most_gain[number], most - 1));
       limits_.row(is_unit, parity)[lane] = most;
     }
   }
@@ -273,10 +277,9 @@ class BlockVerdicts {
     Sweep<Value, most_lanes> back(task_, lanes_);
     const std::int64_t mirror = 2 * (block_.end - block_.begin);
     std::vector<std::uint8_t> open(lanes_ / 8 + 8, 0);
-    back.run(block_, false, mirror - block_.end_row + 1, mirror - block_.first_row + 1,
-             [&](std::int64_t row) {
-               if (decide(back, mirror - row, open.data())) verdicts(mirror - row, open.data(), (end_lane_ + 7) / 8);
-             });
+    back.run(block_, false, mirror - block_.end_row + 1, mirror - block_.first_row + 1, [&](std::int64_t row) {
+      if (decide(back, mirror - row, open.data())) verdicts(mirror - row, open.data(), (end_lane_ + 7) / 8);
+    });
   }
 
  private:

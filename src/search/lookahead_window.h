@@ -171,7 +171,8 @@ class LookaheadWindow {
     std::int64_t end;
   };
 
-  /// If just one of the first steps leads to a long run, and it is the best one, leaves only its score. Otherwise false.
+  /// If just one of the first steps leads to a long run, and it is the best one, leaves only its score. Otherwise
+  /// false.
   ///
   /// Another way that comes to that run has taken more steps and has a lower score there than the one that began with
   /// it, or an equal one behind a mismatch. So it can do nothing better from there on.
@@ -295,8 +296,8 @@ class LookaheadWindow {
 
   /// Where long runs begin, but for the places inside this one.
   std::uint64_t long_runs_but(const Run& way) const {
-    const std::uint64_t inside = forward ? low_bits(way.end) & ~low_bits(way.begin)
-                                         : ~low_bits(width - way.end) & low_bits(width - way.begin);
+    const std::uint64_t inside =
+        forward ? low_bits(way.end) & ~low_bits(way.begin) : ~low_bits(width - way.end) & low_bits(width - way.begin);
     std::uint64_t others = 0;
     for (std::int64_t lag = 0; lag <= 2 * drift_limit_; ++lag) {
       others |= lags_.long_runs[lag] & (lag == lag_number(way.drift) ? ~inside : ~std::uint64_t{0});

@@ -43,10 +43,10 @@ class StepMemo {
     if (step.highest != StepChoice::any_height || step.lowest > static_cast<std::int64_t>(most_lowest)) return;
     if (table_.empty()) table_.assign(slots, 0);
     const std::uint64_t number = step.kind == 'M' ? 1 : step.kind == 'I' ? 2 : 3;
-    const std::uint64_t value = (static_cast<std::uint64_t>(step.unit_bases_seen) << lowest_bits |
-                                 static_cast<std::uint64_t>(step.lowest))
-                                    << kind_bits |
-                                number;
+    const std::uint64_t value =
+        (static_cast<std::uint64_t>(step.unit_bases_seen) << lowest_bits | static_cast<std::uint64_t>(step.lowest))
+            << kind_bits |
+        number;
     table_[slot_of(key_of(front))] = key_of(front) << value_bits | value;
   }
 

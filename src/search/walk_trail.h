@@ -43,11 +43,12 @@ class WalkTrail {
   void note(const Front<forward>& front, const StepChoice& step) {
     if (!is_usable_) return;
     const auto fitting = [](std::int64_t n) { return static_cast<std::int32_t>(std::min<std::int64_t>(n, INT32_MAX)); };
-    note(front, static_cast<std::int32_t>(step.lowest), fitting(step.highest), fitting(step.unit_bases_seen), step.kind);
+    note(front, static_cast<std::int32_t>(step.lowest), fitting(step.highest), fitting(step.unit_bases_seen),
+         step.kind);
   }
 
-  /// Takes a walk that has stopped at `front` as far as the trail leads, and notes its steps. `begin` is called with the
-  /// front and the kind of each step, and `end` with the front behind the run that follows it. `bound` is that of
+  /// Takes a walk that has stopped at `front` as far as the trail leads, and notes its steps. `begin` is called with
+  /// the front and the kind of each step, and `end` with the front behind the run that follows it. `bound` is that of
   /// permitted steps. False if the walk has not moved. Fronts must come in the order of the walk.
   template <typename Begin, typename End>
   bool follow(Front<forward>& front, std::int64_t bound, Begin begin, End end) {
@@ -118,7 +119,8 @@ class WalkTrail {
     return base < circle.begin ? base + circle.length() : base >= circle.end ? base - circle.length() : base;
   }
 
-  void note(const Front<forward>& front, std::int32_t lowest, std::int32_t highest, std::int32_t unit_bases, char kind) {
+  void note(const Front<forward>& front, std::int32_t lowest, std::int32_t highest, std::int32_t unit_bases,
+            char kind) {
     const std::uint32_t position = offset(front.position);
     const std::uint32_t unit = offset(front.unit);
     if (!noted_.empty()) finish(noted_.back(), position, unit);
@@ -133,8 +135,8 @@ class WalkTrail {
     const std::int64_t bases = distance(stop.position, next_position);
     const std::int64_t moved = distance(stop.unit, next_unit);
     const std::int64_t unit_bases = bases + (stop.kind == 'D' ? 1 : stop.kind == 'I' ? -1 : 0);
-    stop.unit_bases = moved != unit_bases ? INT32_MAX
-                                          : std::max(stop.unit_bases, static_cast<std::int32_t>(unit_bases + 1));
+    stop.unit_bases =
+        moved != unit_bases ? INT32_MAX : std::max(stop.unit_bases, static_cast<std::int32_t>(unit_bases + 1));
   }
 
   /// The number of the stop of the trail at which the front stands; behind the last one if there is none.

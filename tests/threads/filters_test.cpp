@@ -96,7 +96,9 @@ class LagFilterOnThreadsTest : public FiltersOnThreadsTest {
     std::vector<Words> lists;
     for (const CandidateWords& words : candidates) {
       lists.emplace_back();
-      words.for_each(0, SIZE_MAX, [&](std::size_t number, std::uint64_t bits) { lists.back().push_back({number, bits}); });
+      words.for_each(0, SIZE_MAX, [&](std::size_t number, std::uint64_t bits) {
+        lists.back().push_back({number, bits});
+      });
     }
     return lists;
   }

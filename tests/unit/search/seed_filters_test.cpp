@@ -189,8 +189,8 @@ TEST_F(SeedFiltersTest, TheLagFilterRejectsNoSeedThatReachesTheScore) {
   EXPECT_GT(rejected, 1000U);
 }
 
-// Where every seed is a candidate, there is not room for all unit lengths at once. Those that are decided are decided as
-// ever.
+// Where every seed is a candidate, there is not room for all unit lengths at once. Those that are decided are decided
+// as ever.
 TEST_F(SeedFiltersTest, ARangeOfTheLagFilterIsCutShortWhereCandidatesWouldTakeTooMuch) {
   std::string unit;
   std::mt19937 random(3);
