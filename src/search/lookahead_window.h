@@ -62,37 +62,34 @@ class LookaheadSpace {
 
   /// To be called before the stops of a lookahead.
   void begin_stops() {
-    if (++stops_number_ != 0) return;
-    for (Stop& stop : stops_) stop.number = 0;
-    stops_number_ = 1;
+    if (++lookahead_number_ != 0) return;
+    std::fill(std::begin(stopped_in_), std::end(stopped_in_), 0U);
+    lookahead_number_ = 1;
   }
 
   /// Notes the ways that have stopped at a place, those of fewer steps first, and forgets those that can do nothing
   /// better than others there.
   void note_stop(const Place& place, FirstStepScores& scores) {
-    Stop& stop = stops_[static_cast<std::size_t>(place.position * drifts + place.drift + most_drift)];
-    if (stop.number != stops_number_) {
-      stop = {stops_number_, scores};
+    const auto at = static_cast<std::size_t>(place.position * drifts + place.drift + most_drift);
+    if (stopped_in_[at] != lookahead_number_) {
+      stopped_in_[at] = lookahead_number_;
+      stop_scores_[at] = scores;
       return;
     }
-    scores.drop_what_is_beaten_by(stop.scores);
-    stop.scores.raise_to(scores);
+    scores.drop_what_is_beaten_by(stop_scores_[at]);
+    stop_scores_[at].raise_to(scores);
   }
 
   Level levels[2];
 
  private:
-  struct Stop {
-    std::uint32_t number = 0;  ///< that of the lookahead that has noted it
-    FirstStepScores scores = FirstStepScores::none();
-  };
-
   static constexpr int index_bits = 8;
   static constexpr std::int64_t drifts = 2 * most_drift + 1;
   std::uint32_t level_number_ = 0;
   std::uint32_t nodes_at_[(width + 1) * drifts] = {};  ///< number of a level, and of its node that has the place
-  std::uint32_t stops_number_ = 0;
-  Stop stops_[(width + 1) * drifts];
+  std::uint32_t lookahead_number_ = 0;
+  std::uint32_t stopped_in_[(width + 1) * drifts] = {};  ///< number of the last lookahead that has stopped at the place
+  FirstStepScores stop_scores_[(width + 1) * drifts];    ///< valid for those of the present one
 };
 
 /// Decides the steps of an imperfect walk on one bit for each comparison, for 64 sequence positions and all lags within
