@@ -180,14 +180,14 @@ void CSearchController::prepare_candidates(std::int64_t unit_length) {
   const auto useful = [this](std::int64_t L) {
     return !SeedFilter::is_useful(L, (*minScores)[L], rules) && LagFilter::is_useful(L, (*minScores)[L], rules);
   };
-  const std::int64_t last = LagFilter::end_of_range(unit_length, longest_unit());
+  const LagFilter filter(seq.begin(), seq.end(), rules);
+  const std::int64_t last = filter.end_of_range(unit_length, longest_unit());
   std::int64_t last_useful = unit_length - 1;
   while (last_useful < last && useful(last_useful + 1)) ++last_useful;
   if (last_useful < unit_length) return;
   // Nearly all of the work on these unit lengths is done here.
   const auto units = static_cast<double>(last_useful - unit_length + 1);
   const auto done = static_cast<double>(unit_length - global_min_unit_length);
-  lag_range_last = LagFilter(seq.begin(), seq.end(), rules)
-                       .mark_candidates(unit_length, last_useful, *minScores, lag_candidates, workers,
-                                        [&](double share) { draw_progress(done + share * units); });
+  lag_range_last = filter.mark_candidates(unit_length, last_useful, *minScores, lag_candidates, workers,
+                                          [&](double share) { draw_progress(done + share * units); });
 }

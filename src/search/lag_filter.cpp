@@ -15,6 +15,8 @@ constexpr std::int64_t longest_unit = 15000;
 constexpr std::int64_t longest_unit_in_bytes = 192;
 /// Lines across the shortest unit of a range.
 constexpr std::int64_t lines_in_unit = 4;
+/// Bytes of the widest vectors.
+constexpr std::int64_t lanes_of_vector = 64;
 /// Unit lengths decided together, at most. Their number times that of the rows of a block is memory.
 constexpr std::int64_t most_units = 2048;
 /// Rows decided at a time, at least; those around them have to be worked as well.
@@ -28,8 +30,22 @@ std::uint16_t clamped(std::int64_t value) {
 
 /// What the forward walk of a seed may gain at most for the seed to be decided. The more it may be, the longer are the
 /// backward walks that have to be considered.
-std::int64_t most_forward_gain(std::int64_t unit_length, std::int64_t minimum_score) {
-  return std::min(minimum_score - 1, 8 + unit_length / 4);
+std::int64_t most_forward_gain(std::int64_t unit_length) {
+  return 8 + unit_length / 4;
+}
+
+/// The lags that the permitted walks of a unit length may come to within their unit, an inclusive range.
+struct Lags {
+  std::int64_t lowest;
+  std::int64_t highest;
+};
+
+Lags lags_of(std::int64_t unit_length, std::int64_t forward_gain, const ExtensionRules& rules) {
+  // A permitted walk begins at most so much above the bound, and matches at most what it does not leave out of its
+  // unit.
+  const std::int64_t score = unit_length + forward_gain + unit_length - 1;
+  return {std::max<std::int64_t>(1, unit_length - score / (1 - rules.indel_score)),
+          unit_length + score / -rules.indel_score};
 }
 
 LagTask make_task(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,
@@ -40,23 +56,17 @@ LagTask make_task(std::int64_t first, std::int64_t last, const ThresholdTable& m
   task.mismatch = clamped(-rules.mismatch_score);
   task.indel = clamped(-rules.indel_score);
   task.free_Ns = rules.Ns_as_missense ? 0 : rules.Ns_allowed;
-  std::int64_t lowest_lag = first;
-  std::int64_t highest_lag = last;
+  Lags lags{first, last};
   for (std::int64_t L = first; L <= last; ++L) {
-    const std::int64_t forward_gain = most_forward_gain(L, minimum_scores[L]);
+    const std::int64_t forward_gain = std::min(most_forward_gain(L), minimum_scores[L] - 1);
     task.most_forward_gain.push_back(clamped(forward_gain));
     task.most_gain.push_back(clamped(minimum_scores[L] - 1));
-    // A permitted walk begins at most so much above the bound, and matches at most what it does not leave out of its
-    // unit.
-    const std::int64_t score = L + forward_gain + L - 1;
-    const std::int64_t most_insertions = score / -rules.indel_score;
-    const std::int64_t most_deletions = score / (1 - rules.indel_score);
-    lowest_lag = std::min(lowest_lag, L - most_deletions);
-    highest_lag = std::max(highest_lag, L + most_insertions);
+    const Lags of_unit = lags_of(L, forward_gain, rules);
+    lags = {std::min(lags.lowest, of_unit.lowest), std::max(lags.highest, of_unit.highest)};
   }
   task.line_distance = std::max<std::int64_t>(1, first / lines_in_unit);
-  task.first_lag = std::max<std::int64_t>(1, lowest_lag);
-  task.lanes = static_cast<std::size_t>(highest_lag - task.first_lag) / 2 + 1;
+  task.first_lag = lags.lowest;
+  task.lanes = static_cast<std::size_t>(lags.highest - lags.lowest) / 2 + 1;
   return task;
 }
 
@@ -112,10 +122,15 @@ bool LagFilter::is_useful(std::int64_t unit_length, std::int64_t minimum_score, 
   return rules.maximum_depth > 0 && minimum_score >= 1 && unit_length >= shortest_unit && unit_length <= longest_unit;
 }
 
-std::int64_t LagFilter::end_of_range(std::int64_t first, std::int64_t last) {
-  // Lines lie as far apart as the shortest unit of the range bears, so a wide range would need many of them.
-  const std::int64_t end = std::min({last, 2 * first, first + most_units - 1, longest_unit});
-  return first <= longest_unit_in_bytes ? std::min(end, longest_unit_in_bytes) : end;
+std::int64_t LagFilter::end_of_range(std::int64_t first, std::int64_t last) const {
+  last = std::min({last, first + most_units - 1, longest_unit});
+  if (first <= longest_unit_in_bytes) last = std::min(last, longest_unit_in_bytes);
+  // Lines lie as far apart as the shortest unit of the range bears, so a wide range needs many of them. It pays where
+  // its lags fit one vector, half of them each.
+  const auto lags = [this](std::int64_t L) { return lags_of(L, most_forward_gain(L), rules_); };
+  std::int64_t end = std::min(last, 2 * first);
+  while (end < std::min(last, 4 * first) && lags(end + 1).highest - lags(first).lowest < 2 * lanes_of_vector) ++end;
+  return end;
 }
 
 std::int64_t LagFilter::mark_candidates(std::int64_t first, std::int64_t last, const ThresholdTable& minimum_scores,

@@ -23,7 +23,7 @@ class LagFilter {
       : begin_(begin), end_(end), rules_(rules), candidate_bytes_(candidate_bytes) {}
 
   /// The last unit length, not above `last`, of a range that begins at `first` and is best decided together.
-  static std::int64_t end_of_range(std::int64_t first, std::int64_t last);
+  std::int64_t end_of_range(std::int64_t first, std::int64_t last) const;
 
   /// Whether the filter can decide units of this length.
   static bool is_useful(std::int64_t unit_length, std::int64_t minimum_score, const ExtensionRules& rules);

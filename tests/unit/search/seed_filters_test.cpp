@@ -176,7 +176,7 @@ TEST_F(SeedFiltersTest, TheLagFilterRejectsNoSeedThatReachesTheScore) {
     constexpr std::int64_t last = 70;
     ASSERT_TRUE(LagFilter::is_useful(first, scores[first], rules()));
     ASSERT_TRUE(LagFilter::is_useful(last, scores[last], rules()));
-    ASSERT_EQ(LagFilter::end_of_range(first, last), last);
+    ASSERT_EQ(filter.end_of_range(first, last), last);
     std::vector<CandidateWords> candidates;
     ASSERT_EQ(filter.mark_candidates(first, last, scores, candidates), last);
     for (std::int64_t unit_length = first; unit_length <= last; unit_length += 3) {
