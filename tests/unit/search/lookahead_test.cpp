@@ -103,4 +103,15 @@ TEST_F(LookaheadTest, OfDepthTwelveEndsQuickly) {
   EXPECT_EQ(sat.mismatches, 132U);
 }
 
+// Two inserted bases before an alternating stretch: a mismatch matches nine bases of it, one insertion none, but two all
+// that follow.
+TEST_F(LookaheadTest, ALongRunBehindTwoInsertionsWinsOverAShorterOneBesideIt) {
+  const std::string before = "GGATTCGTACCTTGAGACGT";
+  const std::string behind = "CACACACACAGTTAGGCATTCGACTTAAGGTGCATCGTTA";
+  const std::string unit = before + behind;
+  seed(unit + before + "TA" + behind + unit, 0, 60);
+  forward();
+  EXPECT_EQ(events(), "80I 81I ");
+}
+
 }  // namespace
