@@ -28,14 +28,17 @@ class FrontSet {
 
   /// Of two ways into one state the higher-scoring one is enough.
   void add(const Front<forward>& front, const FirstStepScores& scores) {
-    if (2 * (nodes_.size() + 1) > slots_.size()) grow();
-    Slot& slot = slot_of(front);
-    if (slot.generation == generation_) {
-      nodes_[slot.node].scores.raise_to(scores);
-      return;
-    }
-    slot = {generation_, static_cast<std::uint32_t>(nodes_.size())};
-    nodes_.push_back({front, scores});
+    FirstStepScores* const others = insert(front, scores);
+    if (others != nullptr) others->raise_to(scores);
+  }
+
+  /// Notes the ways that have stopped at a state, those of fewer steps first, and forgets those that can do nothing
+  /// better than others there.
+  void note_stop(const Front<forward>& front, FirstStepScores& scores) {
+    FirstStepScores* const others = insert(front, scores);
+    if (others == nullptr) return;
+    scores.drop_what_is_beaten_by(*others);
+    others->raise_to(scores);
   }
 
  private:
@@ -43,6 +46,16 @@ class FrontSet {
     std::uint32_t generation = 0;  ///< the slot is taken if it is the present one
     std::uint32_t node = 0;
   };
+
+  /// The scores of the state if it is there already, else null: it is there from now on, with these.
+  FirstStepScores* insert(const Front<forward>& front, const FirstStepScores& scores) {
+    if (2 * (nodes_.size() + 1) > slots_.size()) grow();
+    Slot& slot = slot_of(front);
+    if (slot.generation == generation_) return &nodes_[slot.node].scores;
+    slot = {generation_, static_cast<std::uint32_t>(nodes_.size())};
+    nodes_.push_back({front, scores});
+    return nullptr;
+  }
 
   Slot& slot_of(const Front<forward>& front) {
     const auto position = reinterpret_cast<std::uintptr_t>(front.position);

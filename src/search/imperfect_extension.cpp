@@ -37,6 +37,7 @@ class ImperfectWalk {
         trail(walk_aids.trail),
         level(walk_aids.level),
         next_level(walk_aids.next_level),
+        stops(walk_aids.stops),
         stretches(untold) {}
 
   /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the
@@ -209,6 +210,7 @@ class ImperfectWalk {
   StepChoice deep_step(const FrontState& front) {
     FirstSteps first(front.score, rules, circle);
     level.clear();
+    stops.clear();
     if (first.mismatch_permitted) level.add(after_mismatch(front), first.scores.only_mismatch());
     if (first.indel_permitted) {
       level.add(after_insertion(front), first.scores.only_insertion());
@@ -221,7 +223,9 @@ class ImperfectWalk {
         const bool way_is_free = runs.extend_exact(state, limit, rules);
         scores.add_matches(state.score - score);
         first.scores.raise_to(scores);
-        if (way_is_free && depth < rules.maximum_depth && state.position != limit) add_steps(state, scores, first);
+        if (!way_is_free || depth == rules.maximum_depth || state.position == limit) continue;
+        stops.note_stop(state, scores);
+        if (!scores.is_lost()) add_steps(state, scores, first);
       }
       if (is_settled(next_level.nodes(), first)) break;
       std::swap(level, next_level);
@@ -291,6 +295,7 @@ class ImperfectWalk {
   WalkTrail<forward>& trail;
   FrontSet<forward>& level;
   FrontSet<forward>& next_level;
+  FrontSet<forward>& stops;
   std::vector<GuidedStretch<forward>>* const stretches;
 };
 

@@ -18,6 +18,7 @@ struct WalkAids {
   LookaheadSpace space;
   FrontSet<forward> level;  ///< working space of the lookahead outside the window
   FrontSet<forward> next_level;
+  FrontSet<forward> stops;
   /// Of the record grown last: stretches whose events are not in its list.
   std::vector<GuidedStretch<forward>> untold;
 

@@ -103,8 +103,8 @@ TEST_F(LookaheadTest, OfDepthTwelveEndsQuickly) {
   EXPECT_EQ(sat.mismatches, 132U);
 }
 
-// Two inserted bases before an alternating stretch: a mismatch matches nine bases of it, one insertion none, but two all
-// that follow.
+// Two inserted bases before an alternating stretch: a mismatch matches nine bases of it, one insertion none, but two
+// all that follow.
 TEST_F(LookaheadTest, ALongRunBehindTwoInsertionsWinsOverAShorterOneBesideIt) {
   const std::string before = "GGATTCGTACCTTGAGACGT";
   const std::string behind = "CACACACACAGTTAGGCATTCGACTTAAGGTGCATCGTTA";
