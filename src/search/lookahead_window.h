@@ -187,7 +187,9 @@ class LookaheadWindow {
     const Run way{places[best].drift, places[best].position, places[best].position + run(places[best])};
     const FirstStepScores only[] = {first.scores.only_mismatch(), first.scores.only_insertion(),
                                     first.scores.only_deletion()};
-    const std::int64_t goal = first.scores.score_of(best) + way.end - way.begin;
+    const std::int64_t score = first.scores.score_of(best);
+    const std::int64_t goal = score + way.end - way.begin;
+    std::int64_t highest = score + long_run_;  // of other ways, or what makes the run a long one
     const std::uint64_t others = long_runs_but(way);
     Level* level = &space_.levels[0];
     Level* next = &space_.levels[1];
@@ -199,18 +201,24 @@ class LookaheadWindow {
       space_.begin(*next);
       for (std::size_t i = 0; i < level->size; ++i) {
         Node& node = level->nodes[i];
-        if (node.place.drift == way.drift && node.place.position <= way.end) continue;
+        if (node.place.drift == way.drift && node.place.position <= way.end) {
+          seen_ = std::max(seen_, node.place.position);
+          continue;
+        }
         const std::int64_t matches = run(node.place);
         node.place.position += matches;
         node.scores.add_matches(matches);
         const std::int64_t seen = node.place.position + (left == 0 ? 1 : reach(left));
         if (node.scores.highest() >= goal || seen > width) return false;
+        highest = std::max(highest, node.scores.highest());
         seen_ = std::max(seen_, seen);
         if (left == 0 || !is_in_reach(others, node.place.position, left)) continue;
         if (!push_steps(node, first, *next)) return false;
       }
       std::swap(level, next);
     }
+    // Only so much of the run matters.
+    seen_ = std::max(seen_, std::min(way.begin + highest - score + 1, width));
     first.scores = only[best];
     return true;
   }

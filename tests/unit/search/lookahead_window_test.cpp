@@ -75,11 +75,14 @@ class LookaheadWindowTest : public testing::Test {
     const auto between = [&random](std::int64_t low, std::int64_t high) {
       return low + static_cast<std::int64_t>(random() % static_cast<unsigned>(high - low + 1));
     };
-    const auto length = between(2, 60);
-    const std::string bases = make_sequence(random, 400, static_cast<std::size_t>(between(2, 60)));
+    const auto length = between(2, random() % 2 == 0 ? 60 : 140);
+    // Indels pay where the copies are as long as the unit, or nearly.
+    const std::int64_t period = random() % 2 == 0 ? between(2, 60) : std::max<std::int64_t>(2, length + between(-1, 1));
+    const std::string bases = make_sequence(random, 500, static_cast<std::size_t>(period));
     const char* const begin = bases.data();
     const char* const end = begin + bases.size();
-    const ExtensionRules rules{-between(2, 9), -between(2, 9), between(1, 5), between(0, 4), random() % 4 == 0};
+    const ExtensionRules rules{-between(2, random() % 2 == 0 ? 3 : 9), -between(2, 12),
+                               between(1, random() % 2 == 0 ? 1 : 5), between(0, 4), random() % 4 == 0};
     const char* const unit = begin + between(150, 200);
     const UnitCircle circle{unit, unit + length};
     if (std::find(circle.begin, circle.end, 'N') != circle.end) return;
@@ -89,12 +92,27 @@ class LookaheadWindowTest : public testing::Test {
     const auto space = std::make_unique<LookaheadSpace>();
     LookaheadWindow<forward> window(planes, runs, begin, circle, rules, *space);
     const Definition<forward> definition(rules, circle, limit);
+    // A unit that is longer at the end that the walk comes to.
+    const std::int64_t more = between(1, 30);
+    const UnitCircle longer{forward ? circle.begin : circle.begin - more, forward ? circle.end + more : circle.end};
+    const Definition<forward> of_longer(rules, longer, limit);
     Front<forward> front{forward ? circle.end : circle.begin, forward ? circle.begin : circle.end - 1, 0, 0};
+    for (std::int64_t i = between(0, length - 1); i > 0; --i) {
+      front.take_base();
+      front.step_unit(circle);
+    }
     for (int stop = 0; stop < 12; ++stop) {
       if (!runs.extend_exact(front, limit, rules) || front.position == limit) break;
       for (std::int64_t height = 1; height < 60; height += between(1, 8)) {
         front.score = height - length;
         check_stop(window, definition, front, limit, height, rules);
+        const StepChoice choice = can_step(height, rules) ? window.choose(front, limit) : StepChoice();
+        const std::int64_t rest = forward ? circle.end - front.unit : front.unit + 1 - circle.begin;
+        if (choice.kind == '?' || choice.unit_bases_seen > rest) continue;
+        ++units;
+        Front<forward> same = front;
+        same.score = height - longer.length();
+        ASSERT_EQ(choice.kind, of_longer.choose(same)) << "height " << height << ", unit longer by " << more;
       }
       // Any step will do: the places are what matters.
       const auto step = random() % 6;
@@ -106,7 +124,7 @@ class LookaheadWindowTest : public testing::Test {
   template <bool forward>
   static void check_stop(LookaheadWindow<forward>& window, const Definition<forward>& definition, Front<forward> front,
                          const char* limit, std::int64_t height, const ExtensionRules& rules) {
-    if (height + std::max(rules.mismatch_score, rules.indel_score) <= 0) return;
+    if (!can_step(height, rules)) return;
     const StepChoice choice = window.choose(front, limit);
     if (choice.kind == '?') return;
     ++chosen;
@@ -121,15 +139,23 @@ class LookaheadWindowTest : public testing::Test {
     }
   }
 
+  static bool can_step(std::int64_t height, const ExtensionRules& rules) {
+    return height + std::max(rules.mismatch_score, rules.indel_score) > 0;
+  }
+
   static std::size_t chosen;
   static std::size_t heights;
+  static std::size_t units;
 };
 
 std::size_t LookaheadWindowTest::chosen = 0;
 std::size_t LookaheadWindowTest::heights = 0;
+std::size_t LookaheadWindowTest::units = 0;
 
-TEST_F(LookaheadWindowTest, ChoosesAsDefinedAtEveryHeightThatItNames) {
-  for (unsigned seed = 0; seed < 250; ++seed) {
+TEST_F(LookaheadWindowTest, ChoosesAsDefinedAtEveryHeightThatItNamesAndForTheUnitBasesThatItHasSeen) {
+  // The last one is a choice that is decided by how far a long run goes.
+  for (unsigned number = 0; number <= 1000; ++number) {
+    const unsigned seed = number < 1000 ? number : 5166;
     SCOPED_TRACE("seed " + std::to_string(seed));
     check<true>(seed);
     check<false>(seed + 1000000);
@@ -137,6 +163,7 @@ TEST_F(LookaheadWindowTest, ChoosesAsDefinedAtEveryHeightThatItNames) {
   }
   EXPECT_GT(chosen, 10000U);
   EXPECT_GT(heights, 20000U);
+  EXPECT_GT(units, 5000U);
 }
 
 }  // namespace
