@@ -159,7 +159,8 @@ class Sweep {
     while (lowest_line_ > 1 && (lowest_line_ - 1) * task_.line_distance > lowest_unit) {
       --lowest_line_;
       const std::size_t slot = 1 + static_cast<std::size_t>(lowest_line_) % slots_;
-      for (const std::size_t parity : {0, 1}) std::fill_n(values_.row(slot, parity), lanes_, most);
+      for (const std::size_t parity : {std::size_t{0}, std::size_t{1}})
+        std::fill_n(values_.row(slot, parity), lanes_, most);
       lines_.insert(lines_.begin(), values_.row(slot, 0));
     }
   }
