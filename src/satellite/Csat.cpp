@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <functional>
 #include <new>
+#include <vector>
 
 #include "sequence/global-types-and-parameters.h"
 
@@ -25,6 +26,7 @@ double Csat::percentagePerfection() const {
   const std::int64_t length = normalized_length();
   const std::int64_t without_events = length - mismatches - insertions - deletions;
   const auto percent = [](std::int64_t numerator, std::int64_t denominator) {
+    if (numerator == denominator && denominator != 0) return 100.0;
     return static_cast<double>(static_cast<long double>(numerator) / static_cast<long double>(denominator) * 100.0L);
   };
   switch (global_N_and_perfection_mode) {
@@ -77,6 +79,39 @@ bool lessThan_sat(const Csat* a, const Csat* b) {
   const std::less<const char*> before;
   if (a->pos_left != b->pos_left) return before(a->pos_left, b->pos_left);
   return before(a->pos_right_end, b->pos_right_end);
+}
+
+/// The records lie anywhere in memory, so their places are sorted, and the list's nodes keep their order.
+void sort_sats(std::list<Csat*>& sats) {
+  struct Place {
+    const char* left;
+    const char* right_end;
+    Csat* sat;
+  };
+  const auto comes_first = [](const Place& a, const Place& b) {
+    const std::less<const char*> before;
+    return a.left != b.left ? before(a.left, b.left) : before(a.right_end, b.right_end);
+  };
+  std::vector<Place> places;
+  places.reserve(sats.size());
+  std::vector<std::ptrdiff_t> runs;  // where those begin that are in order
+  for (Csat* sat : sats) {
+    const Place place{sat->pos_left, sat->pos_right_end, sat};
+    if (places.empty() || comes_first(place, places.back())) runs.push_back(static_cast<std::ptrdiff_t>(places.size()));
+    places.push_back(place);
+  }
+  while (runs.size() > 1) {
+    std::vector<std::ptrdiff_t> merged;
+    for (std::size_t i = 0; i < runs.size(); i += 2) {
+      merged.push_back(runs[i]);
+      if (i + 1 == runs.size()) break;
+      const auto end = i + 2 < runs.size() ? places.begin() + runs[i + 2] : places.end();
+      std::inplace_merge(places.begin() + runs[i], places.begin() + runs[i + 1], end, comes_first);
+    }
+    runs.swap(merged);
+  }
+  auto place = places.begin();
+  for (Csat*& sat : sats) sat = (place++)->sat;
 }
 
 Csat_garbagecollector::~Csat_garbagecollector() {

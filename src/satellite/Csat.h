@@ -88,6 +88,10 @@ extern const char* const REPEAT_NAMES[7];
 /// The order of a result list: by start, then by end. Sort with it stably.
 bool lessThan_sat(const Csat* a, const Csat* b);
 
+/// Sorts with lessThan_sat, stably, by merging the stretches that are in order already: a search finds the repeats of
+/// each unit length from left to right, or nearly so.
+void sort_sats(std::list<Csat*>& sats);
+
 /// The pool of spare records, last in, first out, so that the record with the warmest event buffer is used first.
 /// Owns the records that lie in it. Threads may share it.
 class Csat_garbagecollector {

@@ -159,9 +159,24 @@ void put_bases(ReportText& text, const Csat& sat, const CSequence_Mol& seq) {
   text.put('\n');
 }
 
+/// A perfect repeat without N is aligned with itself.
+void put_perfect_alignment(ReportText& text, std::string_view repeat) {
+  text.put(repeat);
+  text.put('\n');
+  text.put_repeated('|', repeat.size());
+  text.put('\n');
+  text.put(repeat);
+  text.put('\n');
+}
+
 void put_alignment(ReportText& text, const Csat& sat, const CSequence_Mol& seq) {
-  const Flanks flanks = flanks_of(sat, seq);
   const bool with_flanks = global_flanking > 0;
+  const std::string_view repeat = bases(sat.pos_left, sat.pos_right_end);
+  if (!with_flanks && sat.missense.empty() && repeat.find('N') == repeat.npos) {
+    put_perfect_alignment(text, repeat);
+    return;
+  }
+  const Flanks flanks = flanks_of(sat, seq);
   // An insertion is a base of the sequence, so only the deletions need columns of their own.
   const auto deletions = std::count_if(sat.missense.begin(), sat.missense.end(),
                                        [](const Csat::Event& event) { return event.second == 'D'; });

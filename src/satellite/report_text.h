@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -21,7 +22,7 @@ class ReportText {
   ReportText& operator=(const ReportText&) = delete;
 
   void put(std::string_view bytes) {
-    if (bytes.size() > buffer_size - used_) flush();
+    make_room(bytes.size());
     if (bytes.size() > buffer_size) {
       std::fwrite(bytes.data(), 1, bytes.size(), out_);
       return;
@@ -30,11 +31,25 @@ class ReportText {
     used_ += bytes.size();
   }
 
-  void put(char c) { put(std::string_view(&c, 1)); }
+  void put(char c) {
+    make_room(1);
+    buffer_[used_++] = c;
+  }
+
+  /// The same character over and over.
+  void put_repeated(char c, std::size_t times) {
+    while (times > 0) {
+      const std::size_t some = std::min(times, buffer_size);
+      make_room(some);
+      std::memset(buffer_.data() + used_, c, some);
+      used_ += some;
+      times -= some;
+    }
+  }
 
   /// Right-aligned in `width` columns, or wider; as "%*s".
   void put_aligned(std::string_view bytes, std::size_t width) {
-    for (std::size_t i = bytes.size(); i < width; ++i) put(' ');
+    if (bytes.size() < width) put_repeated(' ', width - bytes.size());
     put(bytes);
   }
 
@@ -47,6 +62,10 @@ class ReportText {
 
   /// As "%*.3f". Room for any ratio of two 64-bit numbers in percent.
   void put_fixed_3(double number, std::size_t width) {
+    if (number == 100.0) {  // most repeats are perfect
+      put_aligned("100.000", width);
+      return;
+    }
     std::array<char, 40> digits;
     const auto result = std::to_chars(digits.begin(), digits.end(), number, std::chars_format::fixed, 3);
     put_aligned({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())}, width);
@@ -65,6 +84,11 @@ class ReportText {
   }
 
  private:
+  /// Room for `bytes`, or an empty buffer.
+  void make_room(std::size_t bytes) {
+    if (bytes > buffer_size - used_) flush();
+  }
+
   std::FILE* out_;
   std::size_t used_ = 0;
   std::array<char, buffer_size> buffer_;

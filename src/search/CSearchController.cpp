@@ -28,11 +28,6 @@ GrowthAids& CSearchController::aids_of(unsigned worker) const {
   return *aids;
 }
 
-bool CSearchController::passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths) {
-  const std::int64_t u = sat.unit_length();
-  return sat.score >= scores[u] && sat.normalized_length() >= lengths[u];
-}
-
 void CSearchController::say(const char* line) {
   if (is_quiet) {
     unsaid += line;
@@ -97,10 +92,23 @@ bool CSearchController::valid_starting_pattern(const char* begin, const char* en
   return std::adjacent_find(begin, end, [](char a, char b) { return a != b; }) != end;
 }
 
+namespace {
+
+void prefetch(const Csat& sat) {
+  const char* const bytes = reinterpret_cast<const char*>(&sat);
+  for (std::size_t line = 0; line < sizeof sat; line += 64) __builtin_prefetch(bytes + line);
+}
+
+}  // namespace
+
 void CSearchController::report_SATList(std::FILE* out, const std::list<Csat*>& sats,
                                        const std::function<void(const Csat&)>& also) const {
   std::fprintf(out, ">%s\nsequence length: %zu\n", seq.name.c_str(), seq.sequence.length);
+  // The records lie anywhere in memory: they are called for some time before they are needed.
+  auto soon = sats.begin();
+  for (int i = 0; i < 8 && soon != sats.end(); ++i) prefetch(**soon++);
   for (Csat* sat : sats) {
+    if (soon != sats.end()) prefetch(**soon++);
     find_dropped_events(*sat);
     sat->report_sat(out, seq);
     if (also) also(*sat);

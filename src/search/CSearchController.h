@@ -140,9 +140,8 @@ class CSearchController {
  private:
   friend class ImperfectPass;
 
-  /// score >= minScores and normalised length >= minLengths, in the given tables.
-  static bool passes(const Csat& sat, const ThresholdTable& scores, const ThresholdTable& lengths);
-  bool is_accepted(const Csat& sat) const { return passes(sat, *minScores, *minLengths); }
+  /// By the active thresholds.
+  Minimum minimum_of(std::int64_t unit_length) const { return {*minScores, *minLengths, unit_length}; }
 
   /// A line for the user, with its line end.
   void say(const char* line);
@@ -172,8 +171,8 @@ class CSearchController {
 
   void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found);
   void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found);
-  /// Grows the seed both ways, trims it and tests it. Long stretches of events may be left untold.
-  bool grow_imperfect(Csat& seed, GrowthAids& aids) const;
+  /// Grows the seed both ways and trims it. Long stretches of events may be left untold.
+  void grow_imperfect(Csat& seed, GrowthAids& aids) const;
   /// What the growth of one worker remembers.
   GrowthAids& aids_of(unsigned worker) const;
 

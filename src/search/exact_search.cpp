@@ -38,7 +38,7 @@ void CSearchController::exact_search_2() {
     exact_sats.sats.push_back(sat);
     return true;
   });
-  exact_sats.sats.sort(lessThan_sat);
+  sort_sats(exact_sats.sats);
 }
 
 void CSearchController::find_exact_repeats(const KeepRepeat& keep) {
@@ -53,6 +53,7 @@ void CSearchController::find_exact_repeats(const KeepRepeat& keep) {
 
 /// Runs of one base are not written into the cover: the scan jumps over each, and they must not hide longer units.
 void CSearchController::search_exact_mononucleotides(const KeepRepeat& keep) {
+  const Minimum minimum = minimum_of(1);
   Csat* spare = nullptr;
   const char* next_seed = seq.begin();
   for_each_candidate(1, 0, [&](const char* p) {
@@ -60,7 +61,7 @@ void CSearchController::search_exact_mononucleotides(const KeepRepeat& keep) {
     if (spare == nullptr) spare = sat_alloc.take(p, p + 1);
     spare->seed(p, p + 1);
     extend_exact_both_ways(*spare);
-    if (!is_accepted(*spare)) return;
+    if (!minimum.is_reached_by(*spare)) return;
     next_seed = spare->pos_right_end;
     if (keep(spare)) spare = nullptr;
   });
@@ -71,6 +72,8 @@ void CSearchController::search_exact_mononucleotides(const KeepRepeat& keep) {
 /// its unit or at a multiple of it. The cover is carried on to the longer units. What is not covered is found again in
 /// every phase, once for each; where the overlap removal would leave one of them only, the first one will do.
 void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq& cover, const KeepRepeat& keep) {
+  const Minimum minimum = minimum_of(unit_length);
+  const Minimum minimum_of_user(minScores_user, minLengths_user, unit_length);
   const char* next_N = seq.begin() + planes.first_unknown(0);
   const char* next_seed = seq.begin();  // the windows before it lie in a repeat that was tried
   Csat* spare = nullptr;
@@ -86,8 +89,8 @@ void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq&
     spare->seed(p, p + unit_length);
     extend_exact_both_ways(*spare);
     if (global_remove_mostly_hidden && spare->num_Ns == 0) next_seed = spare->pos_right_end - unit_length + 1;
-    if (!is_accepted(*spare)) return;
-    if (passes(*spare, minScores_user, minLengths_user)) cover.cover(*spare);
+    if (!minimum.is_reached_by(*spare)) return;
+    if (minimum_of_user.is_reached_by(*spare)) cover.cover(*spare);
     if (keep(spare)) spare = nullptr;
   });
   if (spare != nullptr) sat_alloc.give_back(spare);

@@ -36,7 +36,7 @@ void CSearchController::search_exact_and_extend_to_imperfect_repeats() {
   minLengths = &minLengths_intern;
   std::vector<GrownRepeat> found;
   std::vector<GrownRepeat> waiting;
-  const std::size_t enough = workers.count() == 1 ? 1 : 2048 * std::size_t{workers.count()};
+  const std::size_t enough = workers.count() == 1 ? 64 : 2048 * std::size_t{workers.count()};
   const auto grow_waiting = [&] {
     grow_exact_repeats(waiting);
     for (const GrownRepeat& grown : waiting) {
@@ -63,11 +63,17 @@ void CSearchController::grow_exact_repeats(std::vector<GrownRepeat>& repeats) co
   constexpr std::size_t repeats_of_a_task = 64;
   workers.run((repeats.size() + repeats_of_a_task - 1) / repeats_of_a_task, [&](std::size_t task, unsigned worker) {
     GrowthAids& aids = aids_of(worker);
+    std::int64_t unit_length = repeats[task * repeats_of_a_task].sat->unit_length();
+    Minimum minimum(minScores_user, minLengths_user, unit_length);
     const std::size_t end = std::min((task + 1) * repeats_of_a_task, repeats.size());
     for (std::size_t i = task * repeats_of_a_task; i < end; ++i) {
       Csat*& sat = repeats[i].sat;
+      if (sat->unit_length() != unit_length) {
+        unit_length = sat->unit_length();
+        minimum = Minimum(minScores_user, minLengths_user, unit_length);
+      }
       grow_imperfect(*sat, aids);
-      if (passes(*sat, minScores_user, minLengths_user)) {
+      if (minimum.is_reached_by(*sat)) {
         drop_many_events(*sat);
         sat->sort_missense();
       } else {

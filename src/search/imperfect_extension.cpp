@@ -58,16 +58,40 @@ class ImperfectWalk {
       const StepChoice step = next_step(state.front);
       if (step.kind == '-') break;
       if (is_on_trail) trail.note(state.front, step);
+      note_lowest_height(state.front, step.lowest);
       commit(step.kind, state);
       way_is_free = runs.extend_exact(state.front, limit, rules);
-      if (state.front.score > best.front.score) best = state;
+      take_if_best(state, best);
     }
     guides.end_stretch();
     adopt(best);
+    aids.spare_height = spare.of_walk();
   }
 
  private:
   using FrontState = Front<forward>;
+
+  /// By how much the heights above the bound might be lower without another outcome.
+  class SpareHeight {
+   public:
+    /// With a height lower by more than `step_spare` another step is taken, or none if that is not `possible`.
+    void note_step(std::int64_t step_spare, bool another_is_possible) {
+      of_steps = std::min(of_steps, step_spare);
+      if (another_is_possible) behind_best = std::min(behind_best, step_spare);
+    }
+    /// The walk is at its best behind the last step.
+    void note_best() {
+      to_best = of_steps;
+      behind_best = StepChoice::any_height;
+    }
+    /// All steps up to the best state must be taken; it does not matter where the walk ends behind it.
+    std::int64_t of_walk() const { return std::min(to_best, behind_best); }
+
+   private:
+    std::int64_t of_steps = StepChoice::any_height;
+    std::int64_t to_best = StepChoice::any_height;
+    std::int64_t behind_best = StepChoice::any_height;
+  };
 
   using Counts = typename WalkGuide<forward>::Counts;
   using Hit = typename WalkGuides<forward>::Hit;
@@ -123,13 +147,26 @@ class ImperfectWalk {
     return step;
   }
 
+  /// To be called for each step before it is taken.
+  void note_lowest_height(const FrontState& front, std::int64_t lowest) {
+    spare.note_step(front.score - bound - lowest, lowest > 1 - std::max(rules.mismatch_score, rules.indel_score));
+  }
+
+  void take_if_best(const State& state, State& best) {
+    if (state.front.score <= best.front.score) return;
+    best = state;
+    spare.note_best();
+  }
+
   /// Goes on like the walk before this one, as far as that is known to be right. False if the walk has not moved.
   bool follow_trail(State& state, State& best) {
     return trail.follow(
-        state.front, bound, [&](const FrontState& front, char kind) { note_step(front, kind, state); },
-        [&](const FrontState& front) {
-          if (front.score > best.front.score) best = state;
-        });
+        state.front, bound,
+        [&](const FrontState& front, char kind, std::int64_t lowest) {
+          note_lowest_height(front, lowest);
+          note_step(front, kind, state);
+        },
+        [&](const FrontState&) { take_if_best(state, best); });
   }
 
   /// Until the unit begins anew.
@@ -149,11 +186,13 @@ class ImperfectWalk {
     const std::int64_t too_low = bound - rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score);
     const std::size_t last = guide.first_at_most(hit->stop, too_low - lead);
     if (last == hit->stop) return false;
+    spare.note_step(0, true);  // more is not known
     const std::size_t highest = guide.highest(hit->stop, last);
     const bool is_best = guide.stops()[highest].score + lead > best.front.score;
     const State before = state;
     note_events(*hit, last, state);
     if (is_best) {
+      spare.note_best();
       best = led_to(highest, *hit, before);
       if (state.stretches > before.stretches) {
         best.stretches = state.stretches;
@@ -297,6 +336,7 @@ class ImperfectWalk {
   FrontSet<forward>& next_level;
   FrontSet<forward>& stops;
   std::vector<GuidedStretch<forward>>* const stretches;
+  SpareHeight spare;
 };
 
 }  // namespace
@@ -309,9 +349,8 @@ void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_li
   ImperfectWalk<false>(sat, left_limit + 1, rules, planes, seq.begin(), aids_of(0).backward, nullptr).run();
 }
 
-bool CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids) const {
+void CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids) const {
   ImperfectWalk<true>(seed, seq.end(), rules, planes, seq.begin(), aids.forward, &aids.forward.untold).run();
   ImperfectWalk<false>(seed, seq.begin(), rules, planes, seq.begin(), aids.backward, &aids.backward.untold).run();
   seed.remove_Ns_at_ends();
-  return is_accepted(seed);
 }

@@ -22,15 +22,20 @@ class ImperfectPass {
                 std::list<Csat*>& found)
       : controller_(controller),
         unit_length_(unit_length),
+        minimum_(controller.minimum_of(unit_length)),
         anchors_(anchors),
         found_(found),
-        next_N_(controller.seq.begin()) {}
+        next_N_(controller.seq.begin()),
+        failed_end_(controller.seq.begin()) {}
 
   /// Seeds must come in the order of their positions.
   void try_seed(const char* p) {
-    if (!may_be_tried(p, anchors_, next_N_)) return;
+    if (p < failed_end_ || !may_be_tried(p, anchors_, next_N_)) return;
     GrowthAids& aids = controller_.aids_of(0);
-    if (!grow(p, spare_, aids)) return;
+    if (!grow(p, spare_, aids)) {
+      failed_end_ = end_of_like(p, aids);
+      return;
+    }
     keep({p, std::move(spare_), aids.forward.untold, aids.backward.untold});
   }
 
@@ -72,7 +77,18 @@ class ImperfectPass {
   bool grow(const char* p, OwnedSat& spare, GrowthAids& aids) const {
     if (spare == nullptr) spare.reset(sat_alloc.take(p, p + unit_length_));
     spare->seed(p, p + unit_length_);
-    return controller_.grow_imperfect(*spare, aids);
+    controller_.grow_imperfect(*spare, aids);
+    return minimum_.is_reached_by(*spare);
+  }
+
+  /// One past the last of the seeds from `p` on that grow into the same repeat as the seed `p`, the one grown last with
+  /// `aids`. Where the base behind a unit is the unit's first, the next seed has a rotation of the unit. Growing
+  /// forward, it comes to where that stops with a score lower by one, and growing backward with the same score again.
+  const char* end_of_like(const char* p, const GrowthAids& aids) const {
+    const char* const last = controller_.seq.end() - unit_length_ - 1;
+    const char* const end = p + std::min(aids.forward.spare_height, last - p);
+    while (p < end && *p == p[unit_length_]) ++p;
+    return p + 1;
   }
 
   void cover(const Kept& kept, CAnchorSeq& anchors) const {
@@ -104,11 +120,16 @@ class ImperfectPass {
     const char* const begin = controller_.seq.begin() + 64 * first_word;
     CAnchorSeq anchors = anchors_.part(first_word, part_words_ + static_cast<std::size_t>(unit_length_) / 64 + 1);
     const char* next_N = begin;
+    const char* failed_end = begin;
     OwnedSat spare;
     for_each_seed(set, first_word, [&](const char* p) {
-      if (!may_be_tried(p, anchors, next_N)) return;
+      if (p >= failed_end && !may_be_tried(p, anchors, next_N)) return;
       part.tried[static_cast<std::size_t>((p - begin) / 64)] |= std::uint64_t{1} << ((p - begin) % 64);
-      if (!grow(p, spare, aids)) return;
+      if (p < failed_end) return;
+      if (!grow(p, spare, aids)) {
+        failed_end = end_of_like(p, aids);
+        return;
+      }
       part.kept.push_back({p, std::move(spare), aids.forward.untold, aids.backward.untold});
       cover(part.kept.back(), anchors);
     });
@@ -133,9 +154,11 @@ class ImperfectPass {
 
   const CSearchController& controller_;
   const std::int64_t unit_length_;
+  const Minimum minimum_;
   CAnchorSeq& anchors_;
   std::list<Csat*>& found_;
   const char* next_N_;
+  const char* failed_end_;  ///< the seeds before it that were not tried would have failed
   OwnedSat spare_;
   std::size_t part_words_ = 0;  ///< 64 positions each; of the parts that are tried ahead
 };
@@ -153,7 +176,7 @@ void CSearchController::complete_imperfect_search() {
     prepare_candidates(length);
     one_unit_len_complete_imperfect_search(length, anchors, imperfect_sats.sats);
   }
-  imperfect_sats.sats.sort(lessThan_sat);
+  sort_sats(imperfect_sats.sats);
 }
 
 void CSearchController::unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found) {

@@ -10,7 +10,16 @@ __extension__ using Bits128 = unsigned __int128;
 struct LagMatches {
   static constexpr std::size_t most_lags = 32;
   std::uint64_t matches[most_lags];
-  std::uint64_t long_runs[most_lags];  ///< the bases at which long runs of matches begin, in the direction of a walk
+  /// The bases at which long runs of matches begin, in the direction of a walk: number lag + 1, between empty ones.
+  std::uint64_t long_runs[most_lags + 2];
+};
+
+/// Where further steps can pay: bit p of number lag + 1 is set in `reached[steps]` if a long run of matches begins at
+/// base p at this lag, or if the walk, going on from there, comes to one with up to so many steps, mismatches,
+/// insertions and deletions. A bit is exact if all that matters to it lies within the 64 bases and the lags.
+struct StepProspects {
+  static constexpr unsigned most_steps = 6;
+  std::uint64_t reached[most_steps + 1][LagMatches::most_lags + 2];  ///< none for no steps: they are the long runs
 };
 
 /// Bases as two bit planes; bit i is base i.
@@ -25,3 +34,8 @@ struct TwoPlanes {
 /// where they begin at any lag.
 std::uint64_t compare_at_lags(const TwoPlanes<std::uint64_t>& sequence, const TwoPlanes<Bits128>& unit,
                               std::size_t lags, unsigned long_run, bool forward, LagMatches& result);
+
+/// Finds the prospects for 1 to `steps` steps, at most `most_steps`, of the walk for which `compare_at_lags` found
+/// `compared` with the same arguments.
+void find_prospects(const LagMatches& compared, std::size_t lags, unsigned steps, unsigned long_run, bool forward,
+                    StepProspects& prospects);

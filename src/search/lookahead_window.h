@@ -260,7 +260,7 @@ class LookaheadWindow {
         seen_ = std::max(seen_, seen);
         if (left == 0 || no_long_run_in_reach(node.place.position, left)) continue;
         space_.note_stop(node.place, node.scores);
-        if (!node.scores.is_lost() && !push_steps(node, first, *next)) return false;
+        if (!node.scores.is_lost() && !push_promising_steps(node, left - 1, first, *next)) return false;
       }
       if (is_settled(*next, first)) break;
       std::swap(level, next);
@@ -284,6 +284,40 @@ class LookaheadWindow {
            space_.push(after_deletion(node.place), shifted, next);
   }
 
+  /// The same for the steps behind which a long run begins or can be reached with `left` further ones. No other way
+  /// comes to a higher score than it has here.
+  bool push_promising_steps(const Node& node, std::int64_t left, FirstSteps& first, Level& next) {
+    find_prospects_once();
+    const Place mismatch = after_mismatch(node.place);
+    const Place insertion = after_insertion(node.place);
+    const Place deletion = after_deletion(node.place);
+    if (is_promising(mismatch, left)) {
+      const FirstStepScores scores = node.scores.after(rules_.mismatch_score, first.bound, first.missing);
+      if (!scores.is_lost() && !space_.push(mismatch, scores, next)) return false;
+    }
+    const bool insertion_is_promising = is_promising(insertion, left);
+    const bool deletion_is_promising = is_promising(deletion, left);
+    if (!insertion_is_promising && !deletion_is_promising) return true;
+    const FirstStepScores scores = node.scores.after(rules_.indel_score, first.bound, first.missing);
+    if (scores.is_lost()) return true;
+    return (!insertion_is_promising || space_.push(insertion, scores, next)) &&
+           (!deletion_is_promising || space_.push(deletion, scores, next));
+  }
+
+  void find_prospects_once() {
+    if (has_prospects_) return;
+    find_prospects(lags_, static_cast<std::size_t>(2 * drift_limit_ + 1),
+                   static_cast<unsigned>(rules_.maximum_depth - 2), static_cast<unsigned>(long_run_), forward,
+                   prospects_);
+    has_prospects_ = true;
+  }
+
+  bool is_promising(const Place& place, std::int64_t left) const {
+    const std::uint64_t* const reached = left == 0 ? lags_.long_runs : prospects_.reached[left];
+    const std::uint64_t places = reached[lag_number(place.drift) + 1];
+    return place.position < width && (forward ? places >> place.position : places << place.position >> (width - 1)) & 1;
+  }
+
   /// Positions of the window that matter for a state with `steps` steps left: those at which a run may begin, each run
   /// on the way being shorter than a long one, and the long run that may begin at the last.
   std::int64_t reach(std::int64_t steps) const { return starts(steps) + long_run_; }
@@ -305,7 +339,7 @@ class LookaheadWindow {
         forward ? low_bits(way.end) & ~low_bits(way.begin) : ~low_bits(width - way.end) & low_bits(width - way.begin);
     std::uint64_t others = 0;
     for (std::int64_t lag = 0; lag <= 2 * drift_limit_; ++lag) {
-      others |= lags_.long_runs[lag] & (lag == lag_number(way.drift) ? ~inside : ~std::uint64_t{0});
+      others |= lags_.long_runs[lag + 1] & (lag == lag_number(way.drift) ? ~inside : ~std::uint64_t{0});
     }
     return others;
   }
@@ -356,6 +390,7 @@ class LookaheadWindow {
     long_runs_ = compare_at_lags({planes_.low_bits(first), planes_.high_bits(first)}, unit,
                                  static_cast<std::size_t>(2 * drift_limit_ + 1), static_cast<unsigned>(long_run_),
                                  forward, lags_);
+    has_prospects_ = false;
     return true;
   }
 
@@ -382,4 +417,6 @@ class LookaheadWindow {
   std::int64_t drift_ = 0;     ///< of the front: sequence bases less unit bases taken since the anchor
   std::uint64_t long_runs_ = 0;
   LagMatches lags_;
+  StepProspects prospects_;
+  bool has_prospects_ = false;
 };

@@ -25,7 +25,7 @@ void CSearchController::find_and_report_all_sat_with_minimum_perfection_in_previ
   const char* p = rep.pos_left;
   while (p != rep.pos_right_end) {
     find_one_exact_sat_with_minimum_perfection_in_previously_determined_exact_repeat(rep, p, piece);
-    if (piece.pos_left != nullptr && is_accepted(piece)) {
+    if (piece.pos_left != nullptr && minimum_of(piece.unit_length()).is_reached_by(piece)) {
       piece.report_sat(out, seq);
       p = piece.pos_right_end;
     } else {

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "satellite/Csat.h"
+
 /// The smallest score or length of a repeat that is kept, by unit length.
 ///
 /// The entry for unit length u is the larger of `minimum` and ceil(`offset` + u * `slope`), in score points or bases.
@@ -16,4 +18,15 @@ class ThresholdTable {
   int minimum_;
   int offset_;
   float slope_;
+};
+
+/// What a repeat of one unit length must have to be kept.
+struct Minimum {
+  std::int64_t score;
+  std::int64_t length;  ///< normalised
+
+  Minimum(const ThresholdTable& scores, const ThresholdTable& lengths, std::int64_t unit_length)
+      : score(scores[unit_length]), length(lengths[unit_length]) {}
+
+  bool is_reached_by(const Csat& sat) const { return sat.score >= score && sat.normalized_length() >= length; }
 };

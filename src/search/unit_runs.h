@@ -19,6 +19,7 @@ class UnitRuns {
         length_(circle.length()),
         unit_(circle.begin - first_base) {
     if (length_ >= width) return;
+    whole_copies_ = width - width % length_;
     low_ = repeated(planes.low_bits(unit_));
     high_ = repeated(planes.high_bits(unit_));
   }
@@ -102,8 +103,7 @@ class UnitRuns {
 
   /// A repeated pattern from a later phase on: behind the last whole copy it begins anew.
   std::uint64_t rotated(std::uint64_t pattern, std::int64_t phase) const {
-    const std::int64_t whole = width - width % length_;
-    const std::int64_t rest = whole - phase;  // bits up to there, at least one
+    const std::int64_t rest = whole_copies_ - phase;  // bits up to there, at least one
     return (pattern >> phase) | (pattern << 1 << (rest - 1));
   }
 
@@ -134,7 +134,8 @@ class UnitRuns {
   const char* first_base_;
   UnitCircle circle_;
   std::int64_t length_;
-  std::int64_t unit_;  ///< number of the unit's first base in the sequence
+  std::int64_t unit_;              ///< number of the unit's first base in the sequence
+  std::int64_t whole_copies_ = 0;  ///< bits of a word that whole copies of a shorter unit fill
   std::uint64_t low_ = 0;
   std::uint64_t high_ = 0;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "search/front_set.h"
@@ -21,6 +22,8 @@ struct WalkAids {
   FrontSet<forward> stops;
   /// Of the record grown last: stretches whose events are not in its list.
   std::vector<GuidedStretch<forward>> untold;
+  /// With a first score lower by up to so much, the walk done last would have had the same outcome, lower by as much.
+  std::int64_t spare_height = 0;
 
   /// To be called before a walk that has to end at `limit`: what was remembered holds for one limit only.
   void begin_walk(const UnitCircle& circle, const char* limit) {

@@ -48,8 +48,9 @@ class WalkTrail {
   }
 
   /// Takes a walk that has stopped at `front` as far as the trail leads, and notes its steps. `begin` is called with
-  /// the front and the kind of each step, and `end` with the front behind the run that follows it. `bound` is that of
-  /// permitted steps. False if the walk has not moved. Fronts must come in the order of the walk.
+  /// the front, the kind of each step and the lowest height at which it would be taken, and `end` with the front behind
+  /// the run that follows it. `bound` is that of permitted steps. False if the walk has not moved. Fronts must come in
+  /// the order of the walk.
   template <typename Begin, typename End>
   bool follow(Front<forward>& front, std::int64_t bound, Begin begin, End end) {
     std::size_t at = find(front);
@@ -58,7 +59,7 @@ class WalkTrail {
            (is_rotation_ || trail_[at].unit_bases <= rest_of_unit(trail_[at]))) {
       const Stop& stop = trail_[at];
       const Stop& then = trail_[++at];
-      begin(front, stop.kind);
+      begin(front, stop.kind, std::int64_t{stop.lowest});
       note(front, stop.lowest, stop.highest, stop.unit_bases, stop.kind);
       const char* const unit = first_base_ + then.unit;
       front.position = first_base_ + then.position;

@@ -37,14 +37,14 @@ int CDnaString::setToReverseComplementOf(const CDnaString& other) {
 /// The smallest rotation by comparing two candidate starts i and j of the doubled string: after k equal bytes the one
 /// that loses the next comparison takes with it every start that it has passed (Shiloach, J. Algorithms 2, 1981).
 bool CDnaString::setToMinAlphaRepModCyclicPermOf(const CDnaString& other) {
-  const std::string doubled = other.bytes + other.bytes;
   const std::size_t n = other.bytes.size();
+  const auto at = [&other, n](std::size_t i) { return static_cast<unsigned char>(other.bytes[i < n ? i : i - n]); };
   std::size_t i = 0;
   std::size_t j = 1;
   std::size_t k = 0;
   while (i < n && j < n && k < n) {
-    const auto a = static_cast<unsigned char>(doubled[i + k]);
-    const auto b = static_cast<unsigned char>(doubled[j + k]);
+    const unsigned char a = at(i + k);
+    const unsigned char b = at(j + k);
     if (a == b) {
       ++k;
       continue;
@@ -54,7 +54,7 @@ bool CDnaString::setToMinAlphaRepModCyclicPermOf(const CDnaString& other) {
     k = 0;
   }
   const std::size_t best = i < j ? i : j;
-  bytes = doubled.substr(best, n);
+  bytes.assign(other.bytes, best, n - best).append(other.bytes, 0, best);
   return k == n && n > 1;
 }
 

@@ -35,7 +35,7 @@ class WalkTrailTest : public testing::Test {
       trail.begin_walk(circle);
       std::string steps;
       const bool moved = trail.follow(
-          front, bound, [&](const Front<forward>& /*from*/, char kind) { steps += kind; },
+          front, bound, [&](const Front<forward>& /*from*/, char kind, std::int64_t /*lowest*/) { steps += kind; },
           [&](const Front<forward>& /*to*/) { steps += ' '; });
       if (!moved) return "";
       return steps + std::to_string(front.position - sequence.data()) + " " +
