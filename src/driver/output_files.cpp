@@ -8,13 +8,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <new>
 #include <system_error>
 
 #include "driver/messages.h"
 
 namespace {
 
-constexpr std::size_t buffer_size = std::size_t{1} << 20;
+constexpr std::size_t buffer_size = std::size_t{1} << 16;
 
 bool same_inode(const struct stat& a, const struct stat& b) {
   return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
@@ -36,14 +37,17 @@ std::filesystem::path resolved(const std::string& path) {
 void OutputFile::use_standard_output() {
   stream_ = stdout;
   is_standard_output_ = true;
-  if (isatty(STDOUT_FILENO) == 0) std::setvbuf(stdout, nullptr, _IOFBF, buffer_size);
+  static char buffer[buffer_size];  // the stream is used to the end of the program
+  if (isatty(STDOUT_FILENO) == 0) std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
 }
 
 bool OutputFile::open(const std::string& path) {
   name_ = path;
   stream_ = std::fopen(path.c_str(), "w");
-  if (stream_ != nullptr) std::setvbuf(stream_, nullptr, _IOFBF, buffer_size);
-  return is_open();
+  if (!is_open()) return false;
+  buffer_.reset(new (std::nothrow) char[buffer_size]);
+  if (buffer_ != nullptr) std::setvbuf(stream_, buffer_.get(), _IOFBF, buffer_size);
+  return true;
 }
 
 bool OutputFile::open_temporary() {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 /// A file that the program writes, or standard output. Owns the stream; the destructor flushes and closes it, so that
@@ -40,6 +41,7 @@ class OutputFile {
 
  private:
   std::FILE* stream_ = nullptr;
+  std::unique_ptr<char[]> buffer_;  ///< of the stream, larger than its own would be
   std::string name_;
   bool is_standard_output_ = false;
   bool failed_ = false;

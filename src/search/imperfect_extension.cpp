@@ -20,16 +20,16 @@ template <bool forward>
 class ImperfectWalk {
  public:
   /// `untold` null: all events are noted. Otherwise long stretches that a guide leads along are only named there.
-  ImperfectWalk(Csat& record, const char* sequence_limit, const ExtensionRules& extension_rules,
+  ImperfectWalk(Csat& record, UnitCircle unit, const char* sequence_limit, const ExtensionRules& extension_rules,
                 const BasePlanes& planes, const char* first_base_of_sequence, WalkAids<forward>& walk_aids,
                 std::vector<GuidedStretch<forward>>* untold)
       : sat(record),
-        circle{record.unit_begin, record.unit_end},
+        circle(unit),
         limit(sequence_limit),
         rules(extension_rules),
-        bound(-circle.length()),
-        runs(planes, first_base_of_sequence, circle),
-        window(planes, runs, first_base_of_sequence, circle, extension_rules, walk_aids.space),
+        bound(-unit.length()),
+        runs(planes, first_base_of_sequence, unit),
+        window(planes, runs, first_base_of_sequence, unit, extension_rules, walk_aids.space),
         first_base(first_base_of_sequence),
         aids(walk_aids),
         guides(walk_aids.guides),
@@ -129,7 +129,7 @@ class ImperfectWalk {
   }
 
   StepChoice next_step(const FrontState& front) {
-    if (front.score + std::max(rules.mismatch_score, rules.indel_score) <= bound) return {'-'};
+    if (front.score + std::max(rules.mismatch_score, rules.indel_score) <= bound) return StepChoice::none();
     const std::int64_t rest = unit_bases_ahead(front);
     const bool may_be_shared = rest >= window.fewest_unit_bases_seen();
     StepChoice step;
@@ -342,15 +342,16 @@ class ImperfectWalk {
 }  // namespace
 
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* seq_end) const {
-  ImperfectWalk<true>(sat, seq_end, rules, planes, seq.begin(), aids_of(0).forward, nullptr).run();
+  ImperfectWalk<true>(sat, {sat.unit_begin, sat.unit_end}, seq_end, rules, planes, seq.begin(), aids_of(0).forward, nullptr).run();
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_limit) const {
-  ImperfectWalk<false>(sat, left_limit + 1, rules, planes, seq.begin(), aids_of(0).backward, nullptr).run();
+  ImperfectWalk<false>(sat, {sat.unit_begin, sat.unit_end}, left_limit + 1, rules, planes, seq.begin(), aids_of(0).backward, nullptr).run();
 }
 
 void CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids) const {
-  ImperfectWalk<true>(seed, seq.end(), rules, planes, seq.begin(), aids.forward, &aids.forward.untold).run();
-  ImperfectWalk<false>(seed, seq.begin(), rules, planes, seq.begin(), aids.backward, &aids.backward.untold).run();
+  const UnitCircle unit{seed.unit_begin, seed.unit_end};
+  ImperfectWalk<true>(seed, unit, seq.end(), rules, planes, seq.begin(), aids.forward, &aids.forward.untold).run();
+  ImperfectWalk<false>(seed, unit, seq.begin(), rules, planes, seq.begin(), aids.backward, &aids.backward.untold).run();
   seed.remove_Ns_at_ends();
 }

@@ -109,7 +109,7 @@ template <bool forward>
 class LookaheadWindow {
  public:
   /// `first_base` is the sequence that `planes` was made of. `circle` is the unit of the walk, `runs` its matches.
-  LookaheadWindow(const BasePlanes& planes, const UnitRuns& runs, const char* first_base, const UnitCircle& circle,
+  LookaheadWindow(const BasePlanes& planes, const UnitRuns& runs, const char* first_base, UnitCircle circle,
                   const ExtensionRules& rules, LookaheadSpace& space)
       : planes_(planes),
         runs_(runs),

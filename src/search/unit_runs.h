@@ -12,7 +12,7 @@
 /// `first_base`; all three must outlive the object.
 class UnitRuns {
  public:
-  UnitRuns(const BasePlanes& planes, const char* first_base, const UnitCircle& circle)
+  UnitRuns(const BasePlanes& planes, const char* first_base, UnitCircle circle)
       : planes_(planes),
         first_base_(first_base),
         circle_(circle),
