@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -38,6 +39,11 @@ class fastvector {
 
   void reserve(std::size_t n) {
     if (capacity < n) grow_to(n);
+  }
+
+  /// Room for n more elements, growing as push_back does.
+  void reserve_more(std::size_t n) {
+    if (capacity - size < n) grow_to(std::max(size + n, 2 * capacity));
   }
 
   void clear() { size = 0; }

@@ -58,7 +58,7 @@ class ImperfectWalk {
       const StepChoice step = next_step(state.front);
       if (step.kind == '-') break;
       if (is_on_trail) trail.note(state.front, step);
-      note_lowest_height(state.front, step.lowest);
+      note_lowest_height(state.front.score - bound, step.lowest);
       commit(step.kind, state);
       way_is_free = runs.extend_exact(state.front, limit, rules);
       take_if_best(state, best);
@@ -148,8 +148,8 @@ class ImperfectWalk {
   }
 
   /// To be called for each step before it is taken.
-  void note_lowest_height(const FrontState& front, std::int64_t lowest) {
-    spare.note_step(front.score - bound - lowest, lowest > 1 - std::max(rules.mismatch_score, rules.indel_score));
+  void note_lowest_height(std::int64_t height, std::int64_t lowest) {
+    spare.note_step(height - lowest, lowest > 1 - std::max(rules.mismatch_score, rules.indel_score));
   }
 
   void take_if_best(const State& state, State& best) {
@@ -160,13 +160,36 @@ class ImperfectWalk {
 
   /// Goes on like the walk before this one, as far as that is known to be right. False if the walk has not moved.
   bool follow_trail(State& state, State& best) {
-    return trail.follow(
-        state.front, bound,
-        [&](const FrontState& front, char kind, std::int64_t lowest) {
-          note_lowest_height(front, lowest);
-          note_step(front, kind, state);
-        },
-        [&](const FrontState&) { take_if_best(state, best); });
+    std::int64_t best_height = best.front.score - bound;
+    std::size_t highest = 0;
+    const auto stretch = trail.look(
+        state.front, bound, [&](std::size_t stop, std::int64_t before, std::int64_t behind, std::int64_t lowest) {
+          note_lowest_height(before, lowest);
+          if (behind <= best_height) return;
+          best_height = behind;
+          highest = stop;
+          spare.note_best();
+        });
+    if (stretch.empty()) return false;
+    if (highest > 0) {
+      go_along({stretch.first, highest}, state);
+      best = state;
+      go_along({highest, stretch.last}, state);
+    } else {
+      go_along(stretch, state);
+    }
+    return true;
+  }
+
+  void go_along(const typename WalkTrail<forward>::Stretch& stretch, State& state) {
+    Counts counts = state.counts;
+    sat.missense.reserve_more(stretch.last - stretch.first);
+    trail.go(state.front, stretch, [&](const char* position, char kind) {
+      counts.add(kind);
+      sat.missense.push_back(event_at(position, kind));
+    });
+    state.counts = counts;
+    state.events = sat.missense.size;
   }
 
   /// Until the unit begins anew.
@@ -295,11 +318,15 @@ class ImperfectWalk {
                                 : after_deletion(state.front);
   }
 
-  /// Counts a step from `front` and notes its event. The base of a mismatch or an insertion is the one taken in; a
-  /// deletion lies at the base right of the gap.
+  /// The base of a mismatch or an insertion is the one taken in; a deletion lies at the base right of the gap.
+  static Csat::Event event_at(const char* position, char kind) {
+    return {forward || kind == 'D' ? position : position - 1, kind};
+  }
+
+  /// Counts a step from `front` and notes its event.
   void note_step(const FrontState& front, char kind, State& state) {
-    ++(kind == 'M' ? state.counts.mismatches : kind == 'I' ? state.counts.insertions : state.counts.deletions);
-    sat.missense.push_back({forward || kind == 'D' ? front.position : front.position - 1, kind});
+    state.counts.add(kind);
+    sat.missense.push_back(event_at(front.position, kind));
     state.events = sat.missense.size;
   }
 
@@ -342,11 +369,15 @@ class ImperfectWalk {
 }  // namespace
 
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* seq_end) const {
-  ImperfectWalk<true>(sat, {sat.unit_begin, sat.unit_end}, seq_end, rules, planes, seq.begin(), aids_of(0).forward, nullptr).run();
+  ImperfectWalk<true>(sat, {sat.unit_begin, sat.unit_end}, seq_end, rules, planes, seq.begin(), aids_of(0).forward,
+                      nullptr)
+      .run();
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_limit) const {
-  ImperfectWalk<false>(sat, {sat.unit_begin, sat.unit_end}, left_limit + 1, rules, planes, seq.begin(), aids_of(0).backward, nullptr).run();
+  ImperfectWalk<false>(sat, {sat.unit_begin, sat.unit_end}, left_limit + 1, rules, planes, seq.begin(),
+                       aids_of(0).backward, nullptr)
+      .run();
 }
 
 void CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids) const {

@@ -19,17 +19,6 @@ struct StepChoice {
   StepChoice() = default;
   StepChoice(char step, std::int64_t seen, std::int64_t lowest_height, std::int64_t highest_height)
       : kind(step), unit_bases_seen(seen), lowest(lowest_height), highest(highest_height) {}
-  // Field by field: a copy as a whole would have to wait for what was stored in parts.
-  StepChoice(const StepChoice& other)
-      : StepChoice(other.kind, other.unit_bases_seen, other.lowest, other.highest) {}
-  StepChoice& operator=(const StepChoice& other) {
-    kind = other.kind;
-    unit_bases_seen = other.unit_bases_seen;
-    lowest = other.lowest;
-    highest = other.highest;
-    return *this;
-  }
-  ~StepChoice() = default;
 
   /// No step is permitted.
   static StepChoice none() { return {'-', 0, 1, any_height}; }

@@ -50,6 +50,8 @@ class WalkGuide {
     std::uint32_t mismatches = 0;
     std::uint32_t insertions = 0;
     std::uint32_t deletions = 0;
+
+    void add(char kind) { ++(kind == 'M' ? mismatches : kind == 'I' ? insertions : deletions); }
   };
 
   WalkGuide(std::string unit, std::vector<Stop> stops) : unit_(std::move(unit)), stops_(std::move(stops)) {
@@ -60,7 +62,7 @@ class WalkGuide {
       for (std::size_t i = first; i < std::min(first + block, stops_.size()); ++i) {
         summary.lowest = std::min(summary.lowest, stops_[i].score);
         summary.highest = std::max(summary.highest, stops_[i].score);
-        count(stops_[i], before);
+        before.add(stops_[i].kind());
       }
       blocks_.push_back(summary);
     }
@@ -114,16 +116,11 @@ class WalkGuide {
     Counts before;  ///< steps at the stops of earlier blocks
   };
 
-  static void count(const Stop& stop, Counts& counts) {
-    const char kind = stop.kind();
-    ++(kind == 'M' ? counts.mismatches : kind == 'I' ? counts.insertions : counts.deletions);
-  }
-
   Counts steps_before(std::size_t end) const {
     if (end == 0) return {};
     const std::size_t last_block = (end - 1) / block;
     Counts counts = blocks_[last_block].before;
-    for (std::size_t i = last_block * block; i < end; ++i) count(stops_[i], counts);
+    for (std::size_t i = last_block * block; i < end; ++i) counts.add(stops_[i].kind());
     return counts;
   }
 

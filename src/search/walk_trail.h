@@ -39,38 +39,71 @@ class WalkTrail {
     noted_.clear();
   }
 
-  /// Notes a step of the present walk, to be called for all of them from its first on, in order.
+  /// Notes a step of the present walk, to be called for all of them from its first on, in order, but for those that it
+  /// takes from the trail.
   void note(const Front<forward>& front, const StepChoice& step) {
     if (!is_usable_) return;
     const auto fitting = [](std::int64_t n) { return static_cast<std::int32_t>(std::min<std::int64_t>(n, INT32_MAX)); };
-    note(front, static_cast<std::int32_t>(step.lowest), fitting(step.highest), fitting(step.unit_bases_seen),
-         step.kind);
+    finish_last(front);
+    noted_.emplace_back(offset(front.position), offset(front.unit), static_cast<std::int32_t>(step.lowest),
+                        fitting(step.highest), fitting(step.unit_bases_seen), step.kind);
+    last_score_ = front.score;
+    last_Ns_ = front.num_Ns;
   }
 
-  /// Takes a walk that has stopped at `front` as far as the trail leads, and notes its steps. `begin` is called with
-  /// the front, the kind of each step and the lowest height at which it would be taken, and `end` with the front behind
-  /// the run that follows it. `bound` is that of permitted steps. False if the walk has not moved. Fronts must come in
-  /// the order of the walk.
-  template <typename Begin, typename End>
-  bool follow(Front<forward>& front, std::int64_t bound, Begin begin, End end) {
-    std::size_t at = find(front);
-    const std::size_t first = at;
-    while (at + 1 < trail_.size() && trail_[at].holds(front.score - bound) &&
+  /// Stops of the trail, one after the other: a walk takes the steps at [first, last) and comes to the stop `last`.
+  struct Stretch {
+    std::size_t first = 0;
+    std::size_t last = 0;
+    bool empty() const { return first == last; }
+  };
+
+  /// How far the trail leads a walk that has stopped at `front`. `bound` is that of permitted steps. For each step
+  /// `visit` is called with the number of the stop that it leads to, the heights above the bound before it and behind
+  /// the run that follows it, and the lowest height at which it would be taken. Fronts must come in the order of the
+  /// walk.
+  template <typename Visit>
+  Stretch look(const Front<forward>& front, std::int64_t bound, Visit visit) {
+    const std::size_t first = find(front);
+    std::size_t at = first;
+    std::int64_t height = front.score - bound;
+    while (at + 1 < trail_.size() && trail_[at].holds(height) &&
            (is_rotation_ || trail_[at].unit_bases <= rest_of_unit(trail_[at]))) {
       const Stop& stop = trail_[at];
-      const Stop& then = trail_[++at];
-      begin(front, stop.kind, std::int64_t{stop.lowest});
-      note(front, stop.lowest, stop.highest, stop.unit_bases, stop.kind);
-      const char* const unit = first_base_ + then.unit;
-      front.position = first_base_ + then.position;
-      front.unit = is_rotation_ ? inside(circle_, unit) : unit;
-      front.score += std::int64_t{then.score} - stop.score;
-      front.num_Ns += then.num_Ns - stop.num_Ns;
-      end(front);
+      const std::int64_t before = height;
+      height += stop.gain;
+      visit(++at, before, height, std::int64_t{stop.lowest});
     }
-    if (at == first) return false;
-    next_ = at;
-    return true;
+    return {first, at};
+  }
+
+  /// Takes a walk that has stopped at the first stop of the stretch to its last one, and notes its steps. `event` is
+  /// called with the position of the front at each step, and its kind.
+  template <typename Event>
+  void go(Front<forward>& front, const Stretch& stretch, Event event) {
+    if (stretch.empty()) return;
+    finish_last(front);
+    const auto number = [](std::size_t i) { return static_cast<std::ptrdiff_t>(i); };
+    const auto first = trail_.begin() + number(stretch.first);
+    const auto last = trail_.begin() + number(stretch.last);
+    const std::size_t noted = noted_.size();
+    noted_.insert(noted_.end(), first, last);
+    if (is_rotation_) {
+      for (std::size_t i = noted; i < noted_.size(); ++i) {
+        noted_[i].unit = offset(inside(circle_, first_base_ + noted_[i].unit));
+      }
+    }
+    for (auto stop = first; stop != last; ++stop) {
+      last_score_ = front.score;
+      last_Ns_ = front.num_Ns;
+      front.score += stop->gain;
+      front.num_Ns += stop->gained_Ns;
+      event(first_base_ + stop->position, stop->kind);
+    }
+    const char* const unit = first_base_ + last->unit;
+    front.position = first_base_ + last->position;
+    front.unit = is_rotation_ ? inside(circle_, unit) : unit;
+    next_ = stretch.last;
   }
 
  private:
@@ -78,28 +111,20 @@ class WalkTrail {
   struct Stop {
     std::uint32_t position;  ///< offsets in the sequence, as Front counts them
     std::uint32_t unit;
-    std::int32_t score;
-    std::uint32_t num_Ns;
     std::int32_t lowest;  ///< heights for which the step is the same
     std::int32_t highest;
     /// That the lookahead has seen; once the next stop is noted, those that must be left of a unit for the way to it to
     /// be the same.
     std::int32_t unit_bases;
+    std::int32_t gain = 0;  ///< of score, up to the next stop
+    std::uint32_t gained_Ns = 0;
     char kind;
 
     bool holds(std::int64_t height) const { return lowest <= height && height <= highest; }
 
-    /// All at once, field by field: a copy would have to wait for what was stored in parts.
-    Stop(std::uint32_t at, std::uint32_t unit_base, const Front<forward>& front, std::int32_t lowest_height,
-         std::int32_t highest_height, std::int32_t seen, char step)
-        : position(at),
-          unit(unit_base),
-          score(static_cast<std::int32_t>(front.score)),
-          num_Ns(front.num_Ns),
-          lowest(lowest_height),
-          highest(highest_height),
-          unit_bases(seen),
-          kind(step) {}
+    Stop(std::uint32_t at, std::uint32_t unit_base, std::int32_t lowest_height, std::int32_t highest_height,
+         std::int32_t seen, char step)
+        : position(at), unit(unit_base), lowest(lowest_height), highest(highest_height), unit_bases(seen), kind(step) {}
   };
 
   /// Scores, and their heights above the bound, then have 31 bits.
@@ -120,24 +145,21 @@ class WalkTrail {
     return base < circle.begin ? base + circle.length() : base >= circle.end ? base - circle.length() : base;
   }
 
-  void note(const Front<forward>& front, std::int32_t lowest, std::int32_t highest, std::int32_t unit_bases,
-            char kind) {
-    const std::uint32_t position = offset(front.position);
-    const std::uint32_t unit = offset(front.unit);
-    if (!noted_.empty()) finish(noted_.back(), position, unit);
-    noted_.emplace_back(position, unit, front, lowest, highest, unit_bases, kind);
-  }
-
-  /// Neither the lookahead nor the way to the next stop may come to where the unit begins anew.
-  static void finish(Stop& stop, std::uint32_t next_position, std::uint32_t next_unit) {
+  /// The walk has come from the stop noted last to `front`. Neither the lookahead nor the way there may come to where
+  /// the unit begins anew.
+  void finish_last(const Front<forward>& front) {
+    if (noted_.empty()) return;
+    Stop& stop = noted_.back();
     const auto distance = [](std::uint32_t from, std::uint32_t to) {
       return forward ? std::int64_t{to} - from : std::int64_t{from} - to;
     };
-    const std::int64_t bases = distance(stop.position, next_position);
-    const std::int64_t moved = distance(stop.unit, next_unit);
+    const std::int64_t bases = distance(stop.position, offset(front.position));
+    const std::int64_t moved = distance(stop.unit, offset(front.unit));
     const std::int64_t unit_bases = bases + (stop.kind == 'D' ? 1 : stop.kind == 'I' ? -1 : 0);
     stop.unit_bases =
         moved != unit_bases ? INT32_MAX : std::max(stop.unit_bases, static_cast<std::int32_t>(unit_bases + 1));
+    stop.gain = static_cast<std::int32_t>(front.score - last_score_);
+    stop.gained_Ns = front.num_Ns - last_Ns_;
   }
 
   /// The number of the stop of the trail at which the front stands; behind the last one if there is none.
@@ -164,7 +186,9 @@ class WalkTrail {
   const char* const first_base_;
   const bool is_usable_;
   std::vector<Stop> trail_;
-  std::vector<Stop> noted_;                  ///< by the present walk
+  std::vector<Stop> noted_;      ///< by the present walk
+  std::int64_t last_score_ = 0;  ///< at the stop noted last
+  std::uint32_t last_Ns_ = 0;
   std::size_t next_ = 0;                     ///< stops of the trail before this one lie behind the present walk
   UnitCircle old_circle_{nullptr, nullptr};  ///< of the trail
   UnitCircle circle_{nullptr, nullptr};      ///< of the present walk

@@ -32,12 +32,23 @@ class WalkTrailTest : public testing::Test {
 
     /// Where a walk gets to: "60 2 score 7", or "" if it does not move.
     std::string follow(const UnitCircle& circle, Front<forward> front, std::int64_t bound) {
+      const char* const from = front.position;
+      std::int64_t last_height = 0;
       trail.begin_walk(circle);
+      const auto stretch = trail.look(
+          front, bound, [&](std::size_t /*stop*/, std::int64_t before, std::int64_t behind, std::int64_t lowest) {
+            EXPECT_GE(before, lowest);
+            EXPECT_EQ(before, front.score - bound);
+            last_height = behind;
+          });
+      if (stretch.empty()) return "";
       std::string steps;
-      const bool moved = trail.follow(
-          front, bound, [&](const Front<forward>& /*from*/, char kind, std::int64_t /*lowest*/) { steps += kind; },
-          [&](const Front<forward>& /*to*/) { steps += ' '; });
-      if (!moved) return "";
+      trail.go(front, stretch, [&](const char* position, char kind) {
+        EXPECT_EQ(position, from);
+        steps += kind;
+      });
+      EXPECT_EQ(front.score - bound, last_height);
+      steps += ' ';
       return steps + std::to_string(front.position - sequence.data()) + " " +
              std::to_string(front.unit - circle.begin) + " score " + std::to_string(front.score);
     }
