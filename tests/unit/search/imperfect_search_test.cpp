@@ -1,3 +1,8 @@
+#include <algorithm>
+#include <memory>
+#include <random>
+
+#include "search/CAnchorSeq.h"
 #include "search/search_support.h"
 
 namespace {
@@ -125,6 +130,77 @@ TEST_F(ImperfectSearchTest, TheSpareRecordGoesBackToThePool) {
     EXPECT_GE(before, 1U);
   }
   EXPECT_EQ(sat_alloc.size(), before);
+}
+
+/// Every seed that the anchors leave, grown by itself.
+class PlainSearch {
+ public:
+  explicit PlainSearch(const std::string& bases)
+      : sequence_(bases), controller_(1, sequence_.mol), anchors_(sequence_.mol.begin(), bases.size()) {
+    const auto size = static_cast<std::int64_t>(bases.size());
+    for (std::int64_t unit = global_min_unit_length; unit <= global_max_unit_length; ++unit) {
+      for (std::int64_t p = 0; p + unit < size; ++p) try_seed(sequence_.at(p), unit);
+      if (unit == 1) anchors_.reset();
+    }
+    std::stable_sort(found_.begin(), found_.end(),
+                     [](const auto& a, const auto& b) { return lessThan_sat(a.get(), b.get()); });
+  }
+
+  std::vector<std::string> result() const {
+    std::vector<std::string> texts;
+    for (const auto& sat : found_) texts.push_back(test::described(sequence_, *sat));
+    return texts;
+  }
+
+ private:
+  void try_seed(const char* p, std::int64_t unit) {
+    const char* const next_N = std::find(p, sequence_.mol.end(), 'N');
+    if (!anchors_.admits(p, unit) || !CSearchController::valid_starting_pattern(p, p + unit, next_N)) return;
+    auto sat = std::make_unique<Csat>();
+    sat->seed(p, p + unit);
+    controller_.extend_imperfect_forward(*sat, sequence_.mol.end());
+    controller_.extend_imperfect_backward(*sat, sequence_.mol.begin() - 1);
+    sat->remove_Ns_at_ends();
+    if (sat->score < (*controller_.minScores)[unit]) return;
+    anchors_.cover(*sat);
+    found_.push_back(std::move(sat));
+  }
+
+  test::Sequence sequence_;
+  CSearchController controller_;
+  CAnchorSeq anchors_;
+  std::vector<std::unique_ptr<Csat>> found_;
+};
+
+// A seed that failed speaks for others, but only for those that would have failed.
+TEST_F(ImperfectSearchTest, FindsWhatEverySeedByItselfFinds) {
+  std::size_t repeats = 0;
+  for (unsigned number = 0; number < 4000; ++number) {
+    std::mt19937 random(number);
+    const auto between = [&random](int low, int high) {
+      return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
+    };
+    global_mismatch_score = -between(2, 6);
+    global_indel_score = -between(2, 6);
+    global_maximum_recursion_depth = between(1, 4);
+    global_min_score = between(3, 12);
+    global_min_score_bx = 0;
+    const auto unit = static_cast<std::uint32_t>(between(1, 14));
+    unit_lengths(unit, unit + static_cast<std::uint32_t>(between(0, 2)));
+    const char* const letters = between(0, 1) == 0 ? "AC" : "ACGT";
+    const std::size_t period = unit + static_cast<std::size_t>(between(0, 1));
+    std::string bases;
+    while (bases.size() < 90) {
+      const bool is_new = bases.size() < period || random() % 5 == 0;
+      bases += is_new ? letters[random() % std::char_traits<char>::length(letters)] : bases[bases.size() - period];
+      if (random() % 30 == 0) bases += letters[0];
+      if (random() % 200 == 0) bases += 'N';
+    }
+    const std::vector<std::string> expected = PlainSearch(bases).result();
+    ASSERT_EQ(imperfect(bases), expected) << "case " << number << ": " << bases;
+    repeats += expected.size();
+  }
+  EXPECT_GT(repeats, 4000U);
 }
 
 }  // namespace
