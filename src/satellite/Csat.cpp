@@ -11,7 +11,7 @@
 const char* const REPEAT_NAMES[7] = {"***  ERROR  ***", "mononucleotide",  "dinucleotide",  "trinucleotide",
                                      "tetranucleotide", "pentanucleotide", "hexanucleotide"};
 
-Csat_garbagecollector sat_alloc;
+Csat_garbagecollector& sat_alloc = *new Csat_garbagecollector;
 
 void Csat::seed(const char* begin, const char* end) {
   pos_left = unit_begin = unit_right = begin;

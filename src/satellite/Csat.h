@@ -117,7 +117,8 @@ class Csat_garbagecollector {
   std::list<Csat*> spare;
 };
 
-extern Csat_garbagecollector sat_alloc;
+/// Never destroyed: at the end of the program its many records go with the process.
+extern Csat_garbagecollector& sat_alloc;
 
 /// A record that goes back to the pool unless it is released.
 struct GiveBackSat {

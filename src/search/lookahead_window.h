@@ -128,6 +128,8 @@ class LookaheadWindow {
   /// The best first step of a walk that has stopped at `front`, of those permitted; '?' if the window cannot tell.
   /// `limit` is where the sequence ends for this direction. At least one kind of step must be permitted.
   StepChoice choose(const Front<forward>& front, const char* limit) {
+    const StepChoice last = choose_last_step(front, limit);
+    if (last.kind != '?') return last;
     if (!usable_ || !locate(front, limit)) return {};
     Place here{position_, drift_};
     const bool plain = no_long_run_in_reach(here.position, rules_.maximum_depth);
@@ -156,6 +158,19 @@ class LookaheadWindow {
   using Place = LookaheadSpace::Place;
   using Node = LookaheadSpace::Node;
   using Level = LookaheadSpace::Level;
+
+  /// The choice where the score permits no second step behind any first one: their runs decide. '?' if it does.
+  StepChoice choose_last_step(const Front<forward>& front, const char* limit) const {
+    FirstSteps first(front.score, rules_, circle_);
+    if (first.height + 2 * std::max(rules_.mismatch_score, rules_.indel_score) > 0) return {};
+    UnitRuns::RunsBehindSteps runs;
+    if (!runs_.count_behind_steps(front, limit, runs)) return {};
+    first.scores.add_matches(runs.mismatch, runs.insertion, runs.deletion);
+    if (!first.scores.after(rules_.mismatch_score, first.bound, first.missing).is_lost()) return {};
+    if (!first.scores.after(rules_.indel_score, first.bound, first.missing).is_lost()) return {};
+    // A deletion leaves a unit base out, and behind a run a base is seen that does not match.
+    return first.choice(runs.longest() + 2);
+  }
 
   static Place after_mismatch(const Place& p) { return {p.position + 1, p.drift}; }
   static Place after_insertion(const Place& p) { return {p.position + 1, p.drift + 1}; }

@@ -61,6 +61,36 @@ class UnitRuns {
     return std::min(matches, room);
   }
 
+  /// The matches in a row behind each kind of step.
+  struct RunsBehindSteps {
+    std::int64_t mismatch;
+    std::int64_t insertion;
+    std::int64_t deletion;
+    std::int64_t longest() const { return std::max({mismatch, insertion, deletion}); }
+  };
+
+  /// Counts them from a front that has stopped. False if one of them is long, or near N or `limit`.
+  template <bool forward>
+  bool count_behind_steps(const Front<forward>& front, const char* limit, RunsBehindSteps& behind) const {
+    const std::int64_t room = forward ? limit - front.position : front.position - limit;
+    const std::int64_t first = front.position - first_base_ - (forward ? 0 : width);
+    if (room < width || planes_.unknown_bits(first) != 0) return false;
+    const std::int64_t phase = front.unit - circle_.begin - (forward ? 0 : width - 1);
+    const std::uint64_t low = planes_.low_bits(first);
+    const std::uint64_t high = planes_.high_bits(first);
+    const std::uint64_t unit_low = low_bits(wrapped(phase));
+    const std::uint64_t unit_high = high_bits(wrapped(phase));
+    const auto one_on = [](std::uint64_t bits) { return forward ? bits >> 1 : bits << 1; };
+    const auto matches = [](std::uint64_t misses) -> std::int64_t {
+      if (misses == 0) return width;
+      return forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
+    };
+    behind.mismatch = matches(one_on((low ^ unit_low) | (high ^ unit_high)));
+    behind.insertion = matches((one_on(low) ^ unit_low) | (one_on(high) ^ unit_high));
+    behind.deletion = matches((low ^ one_on(unit_low)) | (high ^ one_on(unit_high)));
+    return behind.longest() < width - 1;  // the last base has been shifted out of sight
+  }
+
   /// As the plain length_of_Ns, only faster.
   template <bool forward>
   std::int64_t length_of_Ns(const Front<forward>& front, const char* limit) const {
