@@ -55,6 +55,14 @@ class fastvector {
     size = capacity = 0;
   }
 
+  /// Gives back the part of the buffer that is not used, if it is worth it and there is memory for the smaller one.
+  void shrink() {
+    constexpr std::size_t spare_elements = 16;
+    if (capacity - size <= spare_elements) return;
+    auto* const smaller = size == 0 ? nullptr : allocated(size);
+    if (size == 0 || smaller != nullptr) move_into(smaller, size);
+  }
+
   bool empty() const { return size == 0; }
 
   T* begin() { return buffer; }
@@ -63,16 +71,22 @@ class fastvector {
   const T* end() const { return buffer + size; }
 
  private:
+  static T* allocated(std::size_t n) { return static_cast<T*>(std::malloc(n * sizeof(T))); }
+
   void grow_to(std::size_t new_capacity) {
-    auto* const grown = static_cast<T*>(std::malloc(new_capacity * sizeof(T)));
+    auto* const grown = allocated(new_capacity);
     if (grown == nullptr) {
       std::puts("Program aborded due to failed realloc!");
       std::fflush(nullptr);
       std::_Exit(0);  // other threads may be at work: nothing is torn down under them
     }
-    for (std::size_t i = 0; i < size; ++i) new (grown + i) T(std::move(buffer[i]));
+    move_into(grown, new_capacity);
+  }
+
+  void move_into(T* new_buffer, std::size_t new_capacity) {
+    for (std::size_t i = 0; i < size; ++i) new (new_buffer + i) T(std::move(buffer[i]));
     std::free(static_cast<void*>(buffer));
-    buffer = grown;
+    buffer = new_buffer;
     capacity = new_capacity;
   }
 };

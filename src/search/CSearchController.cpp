@@ -117,8 +117,9 @@ void CSearchController::report_SATList(std::FILE* out, const std::list<Csat*>& s
 }
 
 void CSearchController::drop_many_events(Csat& sat) {
-  constexpr std::size_t many = 512;
+  constexpr std::size_t many = 64;
   if (sat.missense.size > many || !sat.has_all_events()) sat.drop_events();
+  sat.missense.shrink();
 }
 
 void CSearchController::find_dropped_events(Csat& sat) const {

@@ -177,7 +177,8 @@ class CSearchController {
   GrowthAids& aids_of(unsigned worker) const;
 
   /// Lets go of the events of a kept repeat that has many: in a satellite array thousands of repeats, most of which the
-  /// overlap removal will drop, may each hold the events of the whole array.
+  /// overlap removal will drop, may each hold the events of the whole array. Those of others keep no more memory than
+  /// they need: the buffer may have grown for another seed.
   static void drop_many_events(Csat& sat);
   /// Grows the repeat anew from its unit, if events were dropped.
   void find_dropped_events(Csat& sat) const;

@@ -51,6 +51,39 @@ TEST(FastvectorTest, ReserveNeverShrinks) {
   EXPECT_EQ(vector.capacity, 7U);
 }
 
+TEST(FastvectorTest, ShrinksALargeBufferToItsElements) {
+  fastvector<int> vector = numbers(3);
+  vector.reserve(100);
+  vector.shrink();
+  EXPECT_EQ(vector.capacity, 3U);
+  EXPECT_THAT(elements(vector), ElementsAre(1, 2, 3));
+}
+
+TEST(FastvectorTest, ShrinksALargeEmptyBufferToNone) {
+  fastvector<int> vector;
+  vector.reserve(100);
+  vector.shrink();
+  EXPECT_EQ(vector.capacity, 0U);
+  EXPECT_EQ(vector.buffer, nullptr);
+}
+
+TEST(FastvectorTest, ALittleRoomStaysWhenItShrinks) {
+  fastvector<int> vector = numbers(3);
+  vector.shrink();
+  EXPECT_EQ(vector.capacity, 4U);
+}
+
+TEST(FastvectorTest, MakesRoomForMoreByDoubling) {
+  fastvector<int> vector = numbers(3);
+  vector.reserve_more(2);
+  EXPECT_EQ(vector.capacity, 8U);
+  vector.reserve_more(5);
+  EXPECT_EQ(vector.capacity, 8U);
+  vector.reserve_more(20);
+  EXPECT_EQ(vector.capacity, 23U);
+  EXPECT_THAT(elements(vector), ElementsAre(1, 2, 3));
+}
+
 TEST(FastvectorTest, ClearKeepsTheBuffer) {
   fastvector<int> vector = numbers(3);
   const int* const before = vector.buffer;
