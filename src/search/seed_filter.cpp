@@ -7,52 +7,19 @@
 
 namespace {
 
-/// Words of one block: the working arrays of a block stay in the nearest cache. Two words of context stand on either
-/// side: a run that ends in the block may begin in the word before it, and a shift looks one word further.
+/// Words of one block: the working arrays of a block stay in the nearest cache.
 constexpr std::size_t block_words = 64;
+/// Words of the blocks of short sequences, and what is short.
+constexpr std::size_t short_block_words = 4;
+constexpr std::int64_t short_words = 20;
 /// Words of one task of several threads, whole blocks.
 constexpr std::int64_t words_of_a_task = 64 * static_cast<std::int64_t>(block_words);
-constexpr std::size_t block_begin = 2;
-constexpr std::size_t block_end = block_begin + block_words;
-constexpr std::size_t padded_words = block_end + 2;
 
 /// Longer runs than this are not told apart: a run of `longest_run` or more is always a candidate.
 constexpr std::int64_t longest_run = 32;
 
 /// More matches than this are not demanded of a step: hardly any seed is left.
 constexpr std::int64_t longest_demand = 16;
-
-using Bits = std::array<std::uint64_t, padded_words>;
-
-/// The bits `distance` (0 to 63) positions ahead of, or behind, each position of word i.
-std::uint64_t ahead(const Bits& bits, std::size_t i, unsigned distance) {
-  return (bits[i] >> distance) | (bits[i + 1] << 1 << (63 - distance));
-}
-std::uint64_t behind(const Bits& bits, std::size_t i, unsigned distance) {
-  return (bits[i] << distance) | (bits[i - 1] >> 1 >> (63 - distance));
-}
-
-/// Sets the words of the block to those of `from`, with each bit kept only if the one `distance` positions ahead, or
-/// behind, is set in `bits`. `into` and `from` may be one.
-template <bool forward>
-void and_shifted(Bits& into, const Bits& from, const Bits& bits, std::int64_t distance) {
-  const auto d = static_cast<unsigned>(distance);
-  for (std::size_t i = block_begin; i < block_end; ++i) {
-    into[i] = from[i] & (forward ? ahead(bits, i, d) : behind(bits, i, d));
-  }
-}
-
-void or_and(Bits& into, const Bits& a, const Bits& b) {
-  for (std::size_t i = block_begin; i < block_end; ++i) into[i] |= a[i] & b[i];
-}
-
-constexpr Bits make_all_ones() {
-  Bits bits{};
-  for (std::uint64_t& word : bits) word = ~std::uint64_t{0};
-  return bits;
-}
-
-constexpr Bits all_ones = make_all_ones();
 
 /// One kind of first step: what it costs, along which lag the walk goes on, how far from the stop the next comparison
 /// lies and for how many comparisons that lag stands for the unit.
@@ -126,139 +93,193 @@ Task make_task(const BasePlanes& planes, std::int64_t unit_length, std::int64_t 
   return task;
 }
 
-/// The working arrays of one block that begins at the word `first_word` of the planes.
-struct Block {
-  std::int64_t first_word;
-  std::array<Bits, 3> matches;         ///< at the lag of each kind of step; the first is the unit length
-  std::array<Bits, longest_run> runs;  ///< [i]: at least i matches lead up to the position
-  Bits survivors;                      ///< stops whose runs are candidates
-  Bits seeds;                          ///< candidates by the position behind their unit
+/// The work on one block of `words` words after the other, on working arrays of its own. Two words of context stand on
+/// either side: a run that ends in the block may begin in the word before it, and a shift looks one word further.
+template <std::size_t words>
+class Block {
+ public:
+  /// `size` is the length of the sequence.
+  Block(const Task& task, std::int64_t size, std::vector<std::uint64_t>& candidates)
+      : task_(task), size_(size), candidates_(candidates) {}
+
+  /// Marks what the block that begins at this word of the planes leads to, and with it some bits in the words around
+  /// those.
+  void mark(std::int64_t first_word) {
+    first_word_ = first_word;
+    for (std::size_t kind = 0; kind < matches_.size(); ++kind) {
+      if (kind > 0 && task_.forward_steps[kind].demands.empty()) continue;
+      const std::int64_t lag = kind == 0 ? task_.unit_length : task_.forward_steps[kind].kind.lag;
+      task_.planes.matches(first_padded_word(), padded, lag, matches_[kind].data());
+    }
+    seeds_.fill(0);
+    add_long_runs();
+    add_runs_of_survivors<true>();
+    add_runs_of_survivors<false>();
+    const auto is_set = [](std::uint64_t word) { return word != 0; };
+    if (std::none_of(seeds_.begin(), seeds_.end(), is_set)) return;
+    fill_runs();
+    mark_starts();
+  }
+
+ private:
+  static constexpr std::size_t begin = 2;
+  static constexpr std::size_t end = begin + words;
+  static constexpr std::size_t padded = end + 2;
+  using Bits = std::array<std::uint64_t, padded>;
+
+  std::int64_t first_padded_word() const { return first_word_ - static_cast<std::int64_t>(begin); }
+
+  /// The bits `distance` (0 to 63) positions ahead of, or behind, each position of word i.
+  static std::uint64_t ahead(const Bits& bits, std::size_t i, unsigned distance) {
+    return (bits[i] >> distance) | (bits[i + 1] << 1 << (63 - distance));
+  }
+  static std::uint64_t behind(const Bits& bits, std::size_t i, unsigned distance) {
+    return (bits[i] << distance) | (bits[i - 1] >> 1 >> (63 - distance));
+  }
+
+  /// Sets the words of the block to those of `from`, with each bit kept only if the one `distance` positions ahead, or
+  /// behind, is set in `bits`. `into` and `from` may be one.
+  template <bool forward>
+  static void and_shifted(Bits& into, const Bits& from, const Bits& bits, std::int64_t distance) {
+    const auto d = static_cast<unsigned>(distance);
+    for (std::size_t i = begin; i < end; ++i) {
+      into[i] = from[i] & (forward ? ahead(bits, i, d) : behind(bits, i, d));
+    }
+  }
+
+  static void or_and(Bits& into, const Bits& a, const Bits& b) {
+    for (std::size_t i = begin; i < end; ++i) into[i] |= a[i] & b[i];
+  }
+
+  static constexpr Bits make_all_ones() {
+    Bits bits{};
+    for (std::uint64_t& word : bits) word = ~std::uint64_t{0};
+    return bits;
+  }
+
+  static constexpr Bits all_ones = make_all_ones();
+
+  /// Adds the stops of one direction behind which a step of one kind may lead on. `along` holds the matches at the
+  /// kind's lag, with N counted as a match.
+  template <bool forward>
+  void add_survivors(const StepDemands& step, const Bits& along) {
+    Bits chain;
+    const Bits* found = &all_ones;
+    std::int64_t length = 0;
+    for (const Demand& demand : step.demands) {
+      for (; length < demand.matches; ++length) {
+        and_shifted<forward>(chain, *found, along, step.kind.offset + length);
+        found = &chain;
+      }
+      or_and(survivors_, *found, runs_[static_cast<std::size_t>(demand.run)]);
+    }
+  }
+
+  /// Adds the stops of one direction whose runs are candidates because of what follows them.
+  template <bool forward>
+  void find_survivors() {
+    runs_[0] = all_ones;
+    for (std::int64_t run = 1; run < task_.run_cap; ++run) {
+      const auto i = static_cast<std::size_t>(run);
+      and_shifted<!forward>(runs_[i], runs_[i - 1], matches_[0], run);
+    }
+    const Steps& steps = forward ? task_.forward_steps : task_.backward_steps;
+    for (std::size_t kind = 0; kind < steps.size(); ++kind) {
+      if (steps[kind].demands.empty()) continue;
+      Bits along;
+      task_.planes.unknown(first_padded_word(), padded, forward ? 0 : steps[kind].kind.lag, along.data());
+      for (std::size_t i = 0; i < padded; ++i) along[i] |= matches_[kind][i];
+      add_survivors<forward>(steps[kind], along);
+    }
+    for (std::size_t i = begin; i < end; ++i) survivors_[i] &= ~matches_[0][i];
+  }
+
+  /// Adds the stops at which an N ends a run: what lies behind it is left to the extension. Only an N next to another
+  /// base ends a run of admissible seeds.
+  template <bool forward>
+  void add_stops_at_unknown() {
+    Bits unknown;
+    task_.planes.unknown(first_padded_word(), padded, forward ? 0 : task_.unit_length, unknown.data());
+    for (std::size_t i = begin; i < end; ++i) {
+      survivors_[i] |= unknown[i] & ~(forward ? behind(unknown, i, 1) : ahead(unknown, i, 1));
+    }
+  }
+
+  /// Adds the first positions of every stretch of `run_cap` matches.
+  void add_long_runs() {
+    Bits runs;
+    and_shifted<true>(runs, all_ones, matches_[0], 0);
+    for (std::int64_t i = 1; i < task_.run_cap; ++i) and_shifted<true>(runs, runs, matches_[0], i);
+    for (std::size_t i = begin; i < end; ++i) seeds_[i] |= runs[i];
+  }
+
+  /// Fills up the run of every seed, from its first match to the stop behind it. Distances double and add up to
+  /// `run_cap` or more; of longer runs all seeds are there already.
+  void fill_runs() {
+    Bits run = matches_[0];  // as many matches as the distance, from the position on
+    Bits last = {};          // seeds behind which that many matches follow
+    for (std::int64_t distance = 1; distance <= task_.run_cap; distance *= 2) {
+      const auto d = static_cast<unsigned>(distance);
+      for (std::size_t i = 1; i + 1 < padded; ++i) last[i] = seeds_[i] & run[i];
+      for (std::size_t i = 1; i + 1 < padded; ++i) seeds_[i] |= (ahead(seeds_, i, d) & run[i]) | behind(last, i, d);
+      for (std::size_t i = 0; i + 1 < padded; ++i) run[i] &= ahead(run, i, d);
+    }
+  }
+
+  /// Marks the starts of the seeds. A seed must end before the last base of the sequence.
+  void mark_starts() {
+    const auto mark = [this](std::int64_t word, std::uint64_t bits) {
+      if (word >= 0 && word < static_cast<std::int64_t>(candidates_.size()))
+        candidates_[static_cast<std::size_t>(word)] |= bits;
+    };
+    for (std::size_t i = 1; i + 1 < padded; ++i) {
+      const std::int64_t first = (first_padded_word() + static_cast<std::int64_t>(i)) * 64;
+      if (seeds_[i] == 0 || first >= size_) continue;
+      const std::uint64_t inside = ~std::uint64_t{0} >> (64 - std::min<std::int64_t>(64, size_ - first));
+      const std::uint64_t seeds = seeds_[i] & inside;
+      const std::int64_t back = (task_.unit_length + 63) / 64;  // words
+      const auto up = static_cast<unsigned>(64 * back - task_.unit_length);
+      mark(first / 64 - back, seeds << up);
+      mark(first / 64 - back + 1, seeds >> 1 >> (63 - up));
+    }
+  }
+
+  /// Adds the seeds whose run ends at a survivor.
+  template <bool forward>
+  void add_runs_of_survivors() {
+    survivors_.fill(0);
+    if (task_.rules.maximum_depth > 0) find_survivors<forward>();
+    add_stops_at_unknown<forward>();
+    // The stop before a run is one position before the seed of its first match.
+    const Bits& stops = survivors_;
+    for (std::size_t i = 1; i + 1 < padded; ++i) seeds_[i] |= forward ? stops[i] : behind(stops, i, 1);
+  }
+
+  const Task& task_;
+  const std::int64_t size_;
+  std::vector<std::uint64_t>& candidates_;
+  std::int64_t first_word_ = 0;
+  std::array<Bits, 3> matches_;         ///< at the lag of each kind of step; the first is the unit length
+  std::array<Bits, longest_run> runs_;  ///< [i]: at least i matches lead up to the position
+  Bits survivors_;                      ///< stops whose runs are candidates
+  Bits seeds_;                          ///< candidates by the position behind their unit
 };
 
-/// Adds the stops of one direction behind which a step of one kind may lead on. `along` holds the matches at the kind's
-/// lag, with N counted as a match.
-template <bool forward>
-void add_survivors(const StepDemands& step, const Bits& along, Block& block) {
-  Bits chain;
-  const Bits* found = &all_ones;
-  std::int64_t length = 0;
-  for (const Demand& demand : step.demands) {
-    for (; length < demand.matches; ++length) {
-      and_shifted<forward>(chain, *found, along, step.kind.offset + length);
-      found = &chain;
-    }
-    or_and(block.survivors, *found, block.runs[static_cast<std::size_t>(demand.run)]);
-  }
-}
-
-/// Adds the stops of one direction whose runs are candidates because of what follows them.
-template <bool forward>
-void find_survivors(const Task& task, Block& block) {
-  block.runs[0] = all_ones;
-  for (std::int64_t run = 1; run < task.run_cap; ++run) {
-    const auto i = static_cast<std::size_t>(run);
-    and_shifted<!forward>(block.runs[i], block.runs[i - 1], block.matches[0], run);
-  }
-  const Steps& steps = forward ? task.forward_steps : task.backward_steps;
-  for (std::size_t kind = 0; kind < steps.size(); ++kind) {
-    if (steps[kind].demands.empty()) continue;
-    Bits along;
-    task.planes.unknown(block.first_word - static_cast<std::int64_t>(block_begin), padded_words,
-                        forward ? 0 : steps[kind].kind.lag, along.data());
-    for (std::size_t i = 0; i < padded_words; ++i) along[i] |= block.matches[kind][i];
-    add_survivors<forward>(steps[kind], along, block);
-  }
-  for (std::size_t i = block_begin; i < block_end; ++i) block.survivors[i] &= ~block.matches[0][i];
-}
-
-/// Adds the stops at which an N ends a run: what lies behind it is left to the extension. Only an N next to another
-/// base ends a run of admissible seeds.
-template <bool forward>
-void add_stops_at_unknown(const Task& task, Block& block) {
-  Bits unknown;
-  task.planes.unknown(block.first_word - static_cast<std::int64_t>(block_begin), padded_words,
-                      forward ? 0 : task.unit_length, unknown.data());
-  for (std::size_t i = block_begin; i < block_end; ++i) {
-    block.survivors[i] |= unknown[i] & ~(forward ? behind(unknown, i, 1) : ahead(unknown, i, 1));
-  }
-}
-
-/// Adds the first positions of every stretch of `run_cap` matches.
-void add_long_runs(const Task& task, Block& block) {
-  Bits runs;
-  and_shifted<true>(runs, all_ones, block.matches[0], 0);
-  for (std::int64_t i = 1; i < task.run_cap; ++i) and_shifted<true>(runs, runs, block.matches[0], i);
-  for (std::size_t i = block_begin; i < block_end; ++i) block.seeds[i] |= runs[i];
-}
-
-/// Fills up the run of every seed, from its first match to the stop behind it. Distances double and add up to `run_cap`
-/// or more; of longer runs all seeds are there already.
-void fill_runs(const Task& task, Block& block) {
-  Bits& seeds = block.seeds;
-  Bits run = block.matches[0];  // as many matches as the distance, from the position on
-  Bits last = {};               // seeds behind which that many matches follow
-  for (std::int64_t distance = 1; distance <= task.run_cap; distance *= 2) {
-    const auto d = static_cast<unsigned>(distance);
-    for (std::size_t i = 1; i + 1 < padded_words; ++i) last[i] = seeds[i] & run[i];
-    for (std::size_t i = 1; i + 1 < padded_words; ++i) seeds[i] |= (ahead(seeds, i, d) & run[i]) | behind(last, i, d);
-    for (std::size_t i = 0; i + 1 < padded_words; ++i) run[i] &= ahead(run, i, d);
-  }
-}
-
-/// Marks the starts of the seeds. `size` is the length of the sequence; a seed must end before its last base.
-void mark_starts(const Task& task, const Block& block, std::int64_t size, std::vector<std::uint64_t>& candidates) {
-  const auto mark = [&candidates](std::int64_t word, std::uint64_t bits) {
-    if (word >= 0 && word < static_cast<std::int64_t>(candidates.size()))
-      candidates[static_cast<std::size_t>(word)] |= bits;
-  };
-  for (std::size_t i = 1; i + 1 < padded_words; ++i) {
-    const std::int64_t first = (block.first_word + static_cast<std::int64_t>(i - block_begin)) * 64;
-    if (block.seeds[i] == 0 || first >= size) continue;
-    const std::uint64_t inside = ~std::uint64_t{0} >> (64 - std::min<std::int64_t>(64, size - first));
-    const std::uint64_t seeds = block.seeds[i] & inside;
-    const std::int64_t back = (task.unit_length + 63) / 64;  // words
-    const auto up = static_cast<unsigned>(64 * back - task.unit_length);
-    mark(first / 64 - back, seeds << up);
-    mark(first / 64 - back + 1, seeds >> 1 >> (63 - up));
-  }
-}
-
-/// Adds the seeds whose run ends at a survivor.
-template <bool forward>
-void add_runs_of_survivors(const Task& task, Block& block) {
-  block.survivors.fill(0);
-  if (task.rules.maximum_depth > 0) find_survivors<forward>(task, block);
-  add_stops_at_unknown<forward>(task, block);
-  // The stop before a run is one position before the seed of its first match.
-  const Bits& stops = block.survivors;
-  for (std::size_t i = 1; i + 1 < padded_words; ++i) block.seeds[i] |= forward ? stops[i] : behind(stops, i, 1);
-}
-
-void mark_block(const Task& task, Block& block, std::int64_t size, std::vector<std::uint64_t>& candidates) {
-  const std::int64_t first_word = block.first_word - static_cast<std::int64_t>(block_begin);
-  for (std::size_t kind = 0; kind < block.matches.size(); ++kind) {
-    if (kind > 0 && task.forward_steps[kind].demands.empty()) continue;
-    const std::int64_t lag = kind == 0 ? task.unit_length : task.forward_steps[kind].kind.lag;
-    task.planes.matches(first_word, padded_words, lag, block.matches[kind].data());
-  }
-  block.seeds.fill(0);
-  add_long_runs(task, block);
-  add_runs_of_survivors<true>(task, block);
-  add_runs_of_survivors<false>(task, block);
-  const auto is_set = [](std::uint64_t word) { return word != 0; };
-  if (std::none_of(block.seeds.begin(), block.seeds.end(), is_set)) return;
-  fill_runs(task, block);
-  mark_starts(task, block, size, candidates);
+template <std::size_t words>
+void mark_in_blocks(const Task& task, std::int64_t size, std::int64_t first_word, std::int64_t end_word,
+                    std::vector<std::uint64_t>& candidates) {
+  Block<words> block(task, size, candidates);
+  for (; first_word < end_word; first_word += static_cast<std::int64_t>(words)) block.mark(first_word);
 }
 
 /// Marks what the words [first_word, end_word) lead to, and with it some bits in the words around those.
 WITH_WIDE_VECTORS
 void mark_blocks(const Task& task, std::int64_t size, std::int64_t first_word, std::int64_t end_word,
                  std::vector<std::uint64_t>& candidates) {
-  Block block;
-  for (block.first_word = first_word; block.first_word < end_word;
-       block.first_word += static_cast<std::int64_t>(block_words)) {
-    mark_block(task, block, size, candidates);
+  if (end_word - first_word <= short_words) {
+    mark_in_blocks<short_block_words>(task, size, first_word, end_word, candidates);
+  } else {
+    mark_in_blocks<block_words>(task, size, first_word, end_word, candidates);
   }
 }
 
