@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "search/front_set.h"
-#include "search/lookahead_window.h"
+#include "search/lookahead_space.h"
 #include "search/step_memo.h"
 #include "search/walk_guide.h"
 #include "search/walk_trail.h"
