@@ -22,7 +22,7 @@ constexpr std::int64_t most_units = 2048;
 /// Rows decided at a time, at least; those around them have to be worked as well.
 constexpr std::int64_t fewest_rows = 8192;
 /// Seeds decided at a time, if the rows are more than that.
-constexpr std::int64_t seeds_of_block = fewest_rows * most_units / 2;
+constexpr std::int64_t seeds_of_block = fewest_rows * most_units / 4;
 
 std::uint16_t clamped(std::int64_t value) {
   return static_cast<std::uint16_t>(std::clamp<std::int64_t>(value, 0, UINT16_MAX));

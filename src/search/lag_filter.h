@@ -39,7 +39,7 @@ class LagFilter {
 
  private:
   static std::size_t default_bytes(const char* begin, const char* end) {
-    return (std::size_t{24} << 20) + static_cast<std::size_t>(end - begin) / 2;
+    return (std::size_t{12} << 20) + static_cast<std::size_t>(end - begin) / 2;
   }
 
   const char* begin_;
