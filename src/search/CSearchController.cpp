@@ -24,7 +24,7 @@ CSearchController::CSearchController(unsigned number, CSequence_Mol& sequence, u
 
 GrowthAids& CSearchController::aids_of(unsigned worker) const {
   std::unique_ptr<GrowthAids>& aids = growth_aids[worker];
-  if (!aids) aids = std::make_unique<GrowthAids>(seq.begin(), seq.end());
+  if (!aids) aids = std::make_unique<GrowthAids>(seq.begin(), seq.end(), planes, rules);
   return *aids;
 }
 

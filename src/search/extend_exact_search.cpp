@@ -72,8 +72,9 @@ void CSearchController::grow_exact_repeats(std::vector<GrownRepeat>& repeats) co
         unit_length = sat->unit_length();
         minimum = Minimum(minScores_user, minLengths_user, unit_length);
       }
-      grow_imperfect(*sat, aids);
-      if (minimum.is_reached_by(*sat)) {
+      const bool fails = aids.growth_limit.keeps_below(*sat, minimum.score);
+      if (!fails) grow_imperfect(*sat, aids);
+      if (!fails && minimum.is_reached_by(*sat)) {
         drop_many_events(*sat);
         sat->sort_missense();
       } else {

@@ -40,14 +40,15 @@ class ImperfectWalk {
         stops(walk_aids.stops),
         stretches(untold) {}
 
-  /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way; then the
-  /// record takes the earliest state of the highest score on that way. A later state of equal score is not worth its
-  /// events.
+  /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way, or no way
+  /// leads to a higher score; then the record takes the earliest state of the highest score on that way. A later state
+  /// of equal score is not worth its events.
   void run() {
     if (stretches != nullptr) stretches->clear();
     aids.begin_walk(circle, limit);
     State state{Front<forward>::of(sat), {sat.mismatches, sat.insertions, sat.deletions}, sat.missense.size, 0, 0};
     bool way_is_free = runs.extend_exact(state.front, limit, rules);
+    way_is_free = way_is_free && may_gain(state.front);
     State best = state;
     const char* const begin = state.front.position;
     bool is_on_trail = circle.length() >= shortest_unit_with_trails;
@@ -61,7 +62,7 @@ class ImperfectWalk {
       note_lowest_height(state.front.score - bound, step.lowest);
       commit(step.kind, state);
       way_is_free = runs.extend_exact(state.front, limit, rules);
-      take_if_best(state, best);
+      if (take_if_best(state, best)) way_is_free = way_is_free && may_gain(state.front);
     }
     guides.end_stretch();
     adopt(best);
@@ -152,10 +153,16 @@ class ImperfectWalk {
     spare.note_step(height - lowest, lowest > 1 - std::max(rules.mismatch_score, rules.indel_score));
   }
 
-  void take_if_best(const State& state, State& best) {
-    if (state.front.score <= best.front.score) return;
+  bool take_if_best(const State& state, State& best) {
+    if (state.front.score <= best.front.score) return false;
     best = state;
     spare.note_best();
+    return true;
+  }
+
+  /// Whether anything behind a stop can be better than it.
+  bool may_gain(const FrontState& front) const {
+    return front.position != limit && !aids.growth_limit.leads_nowhere(front, circle);
   }
 
   /// Goes on like the walk before this one, as far as that is known to be right. False if the walk has not moved.

@@ -32,10 +32,8 @@ class ImperfectPass {
   void try_seed(const char* p) {
     if (p < failed_end_ || !may_be_tried(p, anchors_, next_N_)) return;
     GrowthAids& aids = controller_.aids_of(0);
-    if (!grow(p, spare_, aids)) {
-      failed_end_ = end_of_like(p, aids);
-      return;
-    }
+    failed_end_ = grow(p, spare_, aids);
+    if (failed_end_ > p) return;
     keep({p, std::move(spare_), aids.forward.untold, aids.backward.untold});
   }
 
@@ -74,19 +72,24 @@ class ImperfectPass {
     return CSearchController::valid_starting_pattern(p, p + unit_length_, next_N);
   }
 
-  bool grow(const char* p, OwnedSat& spare, GrowthAids& aids) const {
+  /// Grows the seed `p` into `spare`. Returns one past the last of the seeds from `p` on that are known to fail, or `p`
+  /// if it does not.
+  const char* grow(const char* p, OwnedSat& spare, GrowthAids& aids) const {
     if (spare == nullptr) spare.reset(sat_alloc.take(p, p + unit_length_));
     spare->seed(p, p + unit_length_);
+    // No run of matches in it is as long as the minimum score.
+    if (aids.growth_limit.keeps_below(*spare, minimum_.score)) return end_of_like(p, minimum_.score);
     controller_.grow_imperfect(*spare, aids);
-    return minimum_.is_reached_by(*spare);
+    return minimum_.is_reached_by(*spare) ? p : end_of_like(p, aids.forward.spare_height);
   }
 
-  /// One past the last of the seeds from `p` on that grow into the same repeat as the seed `p`, the one grown last with
-  /// `aids`. Where the base behind a unit is the unit's first, the next seed has a rotation of the unit. Growing
-  /// forward, it comes to where that stops with a score lower by one, and growing backward with the same score again.
-  const char* end_of_like(const char* p, const GrowthAids& aids) const {
+  /// One past the last of the seeds from `p` on that grow like the seed `p`, as long as their scores at the first stop
+  /// of the forward walk are lower by no more than `spare_height`. Where the base behind a unit is the unit's first,
+  /// the next seed has a rotation of the unit. Growing forward, it comes to where that stops with a score lower by one,
+  /// and growing backward with the same score again.
+  const char* end_of_like(const char* p, std::int64_t spare_height) const {
     const char* const last = controller_.seq.end() - unit_length_ - 1;
-    const char* const end = p + std::min(aids.forward.spare_height, last - p);
+    const char* const end = p + std::min(spare_height, last - p);
     while (p < end && *p == p[unit_length_]) ++p;
     return p + 1;
   }
@@ -126,10 +129,8 @@ class ImperfectPass {
       if (p >= failed_end && !may_be_tried(p, anchors, next_N)) return;
       part.tried[static_cast<std::size_t>((p - begin) / 64)] |= std::uint64_t{1} << ((p - begin) % 64);
       if (p < failed_end) return;
-      if (!grow(p, spare, aids)) {
-        failed_end = end_of_like(p, aids);
-        return;
-      }
+      failed_end = grow(p, spare, aids);
+      if (failed_end > p) return;
       part.kept.push_back({p, std::move(spare), aids.forward.untold, aids.backward.untold});
       cover(part.kept.back(), anchors);
     });

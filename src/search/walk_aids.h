@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "search/front_set.h"
+#include "search/growth_limit.h"
 #include "search/lookahead_space.h"
 #include "search/step_memo.h"
 #include "search/walk_guide.h"
@@ -13,6 +14,7 @@
 /// go the same way more slowly.
 template <bool forward>
 struct WalkAids {
+  GrowthLimit& growth_limit;  ///< not owned
   WalkGuides<forward> guides;
   StepMemo<forward> memo;
   WalkTrail<forward> trail;
@@ -38,16 +40,22 @@ struct WalkAids {
   }
 
   /// The sequence, half-open range.
-  WalkAids(const char* begin, const char* end) : guides(begin, end), memo(begin), trail(begin, end) {}
+  WalkAids(const char* begin, const char* end, GrowthLimit& limit_of_growth)
+      : growth_limit(limit_of_growth), guides(begin, end), memo(begin), trail(begin, end) {}
 
  private:
   const char* limit_ = nullptr;
 };
 
-/// Both directions of one thread.
+/// Both directions of one thread, and what can be told before a walk.
 struct GrowthAids {
+  GrowthLimit growth_limit;
   WalkAids<true> forward;
   WalkAids<false> backward;
 
-  GrowthAids(const char* begin, const char* end) : forward(begin, end), backward(begin, end) {}
+  /// The sequence, half-open range, its planes and the rules; they must outlive the object.
+  GrowthAids(const char* begin, const char* end, const BasePlanes& planes, const ExtensionRules& rules)
+      : growth_limit(begin, end, planes, rules),
+        forward(begin, end, growth_limit),
+        backward(begin, end, growth_limit) {}
 };

@@ -8,8 +8,8 @@
 /// A growable byte buffer for bases.
 ///
 /// Invariant: `length` <= `capacity`. The object owns `buffer`, which has `padding` readable bytes on either side of
-/// the capacity: a position one before the first base is a valid address, and vector code may load past the last
-/// base. The padding's content is undefined except for the terminator that `terminate` writes.
+/// the capacity: a position one before the first base is a valid address, and vector code may load past the first and
+/// the last base. What stands there is no base: zeros, those behind the last base once `terminate` has been called.
 /// Throws std::bad_alloc where memory runs out; the content is then unchanged.
 class faststring {
  public:
@@ -42,10 +42,10 @@ class faststring {
     buffer[length++] = c;
   }
 
-  /// Writes a NUL at buffer[length], growing by exactly one byte if the buffer is full.
+  /// Writes a NUL at buffer[length], and more of them behind it, growing by exactly one byte if the buffer is full.
   void terminate() {
     if (length == capacity) reallocate(length + 1);
-    buffer[length] = '\0';
+    std::memset(buffer + length, '\0', padding);
   }
 
  private:
@@ -53,6 +53,7 @@ class faststring {
     char* const old = buffer == nullptr ? nullptr : buffer - padding;
     auto* const grown = static_cast<char*>(std::realloc(old, new_capacity + 2 * padding));
     if (grown == nullptr) throw std::bad_alloc();
+    std::memset(grown, '\0', padding);
     buffer = grown + padding;
     capacity = new_capacity;
   }
