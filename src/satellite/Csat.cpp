@@ -6,6 +6,7 @@
 #include <new>
 #include <vector>
 
+#include "satellite/records_ahead.h"
 #include "sequence/global-types-and-parameters.h"
 
 const char* const REPEAT_NAMES[7] = {"***  ERROR  ***", "mononucleotide",  "dinucleotide",  "trinucleotide",
@@ -95,7 +96,9 @@ void sort_sats(std::list<Csat*>& sats) {
   std::vector<Place> places;
   places.reserve(sats.size());
   std::vector<std::ptrdiff_t> runs;  // where those begin that are in order
+  RecordsAhead ahead(sats);
   for (Csat* sat : sats) {
+    ahead.step();
     const Place place{sat->pos_left, sat->pos_right_end, sat};
     if (places.empty() || comes_first(place, places.back())) runs.push_back(static_cast<std::ptrdiff_t>(places.size()));
     places.push_back(place);
@@ -125,6 +128,7 @@ Csat* Csat_garbagecollector::take(const char* begin, const char* end) {
     if (!spare.empty()) {
       sat = spare.back();
       spare.pop_back();
+      if (!spare.empty()) prefetch(*spare.back());  // for the next time
     }
   }
   if (sat == nullptr) sat = new Csat;

@@ -30,6 +30,13 @@ class CAnchorSeq {
     return last && is_free(p - 1);
   }
 
+  /// The same for the 64 windows that begin at `first` and behind it: bit i is the one at first + i. Of windows that do
+  /// not end before the sequence's last base nothing is said.
+  std::uint64_t admitted(const char* first, std::int64_t unit_length) const {
+    const std::uint64_t last = bits_from(first + unit_length - 1);
+    return (bits_from(first) & (last | bits_from(first + unit_length))) | (bits_from(first - 1) & last);
+  }
+
   /// `p` may be one before the first base or one past the last.
   bool is_free(const char* p) const {
     const auto bit = bit_of(p);
@@ -67,6 +74,15 @@ class CAnchorSeq {
 
   /// The sentinel before the first base has bit 0.
   std::size_t bit_of(const char* p) const { return static_cast<std::size_t>(p - seq_begin + 1); }
+
+  /// Which of the 64 positions from `p` on are free; behind the end none.
+  std::uint64_t bits_from(const char* p) const {
+    const std::size_t word = bit_of(p) / 64;
+    const std::size_t bit = bit_of(p) % 64;
+    const std::uint64_t low = word < mask.size() ? mask[word] : 0;
+    const std::uint64_t high = word + 1 < mask.size() ? mask[word + 1] : 0;
+    return (low >> bit) | (high << 1 << (63 - bit));
+  }
 
   void free(std::ptrdiff_t bit) {
     if (bit >= 0 && bit < bits()) mask[static_cast<std::size_t>(bit / 64)] |= std::uint64_t{1} << (bit % 64);

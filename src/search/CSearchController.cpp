@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "satellite/records_ahead.h"
 #include "search/progress_line.h"
 #include "search/run_status.h"
 #include "search/seed_filter.h"
@@ -92,23 +93,12 @@ bool CSearchController::valid_starting_pattern(const char* begin, const char* en
   return std::adjacent_find(begin, end, [](char a, char b) { return a != b; }) != end;
 }
 
-namespace {
-
-void prefetch(const Csat& sat) {
-  const char* const bytes = reinterpret_cast<const char*>(&sat);
-  for (std::size_t line = 0; line < sizeof sat; line += 64) __builtin_prefetch(bytes + line);
-}
-
-}  // namespace
-
 void CSearchController::report_SATList(std::FILE* out, const std::list<Csat*>& sats,
                                        const std::function<void(const Csat&)>& also) const {
   std::fprintf(out, ">%s\nsequence length: %zu\n", seq.name.c_str(), seq.sequence.length);
-  // The records lie anywhere in memory: they are called for some time before they are needed.
-  auto soon = sats.begin();
-  for (int i = 0; i < 8 && soon != sats.end(); ++i) prefetch(**soon++);
+  RecordsAhead ahead(sats);
   for (Csat* sat : sats) {
-    if (soon != sats.end()) prefetch(**soon++);
+    ahead.step();
     find_dropped_events(*sat);
     sat->report_sat(out, seq);
     if (also) also(*sat);

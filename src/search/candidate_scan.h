@@ -14,16 +14,24 @@ inline const char* first_N(const char* p, const char* known, const char* end) {
 }
 
 template <typename TrySeed>
-void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_t depth, TrySeed try_seed) {
+void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_t depth, const CAnchorSeq& anchors,
+                                           TrySeed try_seed) {
   const CandidateSet set = find_candidates(unit_length, depth);
   std::size_t next_report = 0;
-  set.for_each_word(0, set.words(), [&](std::size_t word, std::uint64_t rest) {
+  const char* next_seed = seq.begin();
+  set.for_each_word(0, set.words(), [&](std::size_t word, std::uint64_t bits) {
     // Stretches without candidates take no time worth a report.
     if (word >= next_report) {
       report_progress(seq.begin() + 64 * (word / 4 * 4), unit_length);
       next_report = word / 4 * 4 + 4;
     }
     const char* const first = seq.begin() + 64 * word;
-    for (; rest != 0; rest &= rest - 1) try_seed(first + __builtin_ctzll(rest));
+    __builtin_prefetch(first + 1024);  // the seeds lie here and there
+    while (next_seed < first + 64) {
+      if (next_seed > first) bits &= ~std::uint64_t{0} << (next_seed - first);
+      const std::uint64_t rest = bits & anchors.admitted(first, unit_length);
+      if (rest == 0) return;
+      next_seed = try_seed(first + __builtin_ctzll(rest));
+    }
   });
 }

@@ -45,25 +45,25 @@ void CSearchController::find_exact_repeats(const KeepRepeat& keep) {
   CAnchorSeq cover(seq.begin(), seq.sequence.length);
   std::int64_t first = global_min_unit_length;
   if (first == 1) {
-    search_exact_mononucleotides(keep);
+    search_exact_mononucleotides(cover, keep);
     first = 2;
   }
   for (std::int64_t k = first; k <= longest_unit(); ++k) search_exact_units(k, cover, keep);
 }
 
 /// Runs of one base are not written into the cover: the scan jumps over each, and they must not hide longer units.
-void CSearchController::search_exact_mononucleotides(const KeepRepeat& keep) {
+void CSearchController::search_exact_mononucleotides(const CAnchorSeq& cover, const KeepRepeat& keep) {
   const Minimum minimum = minimum_of(1);
   Csat* spare = nullptr;
-  const char* next_seed = seq.begin();
-  for_each_candidate(1, 0, [&](const char* p) {
-    if (p < next_seed || *p == 'N') return;
+  for_each_candidate(1, 0, cover, [&](const char* p) {
+    if (*p == 'N') return p + 1;
     if (spare == nullptr) spare = sat_alloc.take(p, p + 1);
     spare->seed(p, p + 1);
     extend_exact_both_ways(*spare);
-    if (!minimum.is_reached_by(*spare)) return;
-    next_seed = spare->pos_right_end;
+    if (!minimum.is_reached_by(*spare)) return p + 1;
+    const char* const end = spare->pos_right_end;
     if (keep(spare)) spare = nullptr;
+    return end;
   });
   if (spare != nullptr) sat_alloc.give_back(spare);
 }
@@ -75,23 +75,23 @@ void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq&
   const Minimum minimum = minimum_of(unit_length);
   const Minimum minimum_of_user(minScores_user, minLengths_user, unit_length);
   const char* next_N = seq.begin() + planes.first_unknown(0);
-  const char* next_seed = seq.begin();  // the windows before it lie in a repeat that was tried
   Csat* spare = nullptr;
-  for_each_candidate(unit_length, 0, [&](const char* p) {
-    if (p < next_seed || !cover.admits(p, unit_length)) return;
+  for_each_candidate(unit_length, 0, cover, [&](const char* p) {
     if (next_N < p) next_N = seq.begin() + planes.first_unknown(p - seq.begin());
     if (!valid_starting_pattern(p, p + unit_length, next_N)) {
       const char* const run_end = std::find_if(p, seq.end(), [p](char base) { return base != *p; });
-      next_seed = run_end - unit_length + 1;  // in a run of one base no window is a unit
-      return;
+      return std::max(p + 1, run_end - unit_length + 1);  // in a run of one base no window is a unit
     }
     if (spare == nullptr) spare = sat_alloc.take(p, p + unit_length);
     spare->seed(p, p + unit_length);
     extend_exact_both_ways(*spare);
-    if (global_remove_mostly_hidden && spare->num_Ns == 0) next_seed = spare->pos_right_end - unit_length + 1;
-    if (!minimum.is_reached_by(*spare)) return;
-    if (minimum_of_user.is_reached_by(*spare)) cover.cover(*spare);
-    if (keep(spare)) spare = nullptr;
+    const bool is_enough = global_remove_mostly_hidden && spare->num_Ns == 0;
+    const char* const next_seed = is_enough ? spare->pos_right_end - unit_length + 1 : p + 1;
+    if (minimum.is_reached_by(*spare)) {
+      if (minimum_of_user.is_reached_by(*spare)) cover.cover(*spare);
+      if (keep(spare)) spare = nullptr;
+    }
+    return next_seed;
   });
   if (spare != nullptr) sat_alloc.give_back(spare);
 }

@@ -25,16 +25,17 @@ class ImperfectPass {
         minimum_(controller.minimum_of(unit_length)),
         anchors_(anchors),
         found_(found),
-        next_N_(controller.seq.begin()),
-        failed_end_(controller.seq.begin()) {}
+        next_N_(controller.seq.begin()) {}
 
-  /// Seeds must come in the order of their positions.
-  void try_seed(const char* p) {
-    if (p < failed_end_ || !may_be_tried(p, anchors_, next_N_)) return;
+  /// Tries a seed that the anchors admit. Returns one past the last of the seeds from `p` on that need not be tried any
+  /// more. Seeds must come in the order of their positions.
+  const char* try_seed(const char* p) {
+    if (!is_unit(p, next_N_)) return p + 1;
     GrowthAids& aids = controller_.aids_of(0);
-    failed_end_ = grow(p, spare_, aids);
-    if (failed_end_ > p) return;
+    const char* const failed_end = grow(p, spare_, aids);
+    if (failed_end > p) return failed_end;
     keep({p, std::move(spare_), aids.forward.untold, aids.backward.untold});
+    return p + 1;
   }
 
   void run_on_threads(const CandidateSet& set) {
@@ -66,8 +67,7 @@ class ImperfectPass {
   };
 
   /// `next_N` is the first N at or after some position before `p`; it is moved on.
-  bool may_be_tried(const char* p, const CAnchorSeq& anchors, const char*& next_N) const {
-    if (!anchors.admits(p, unit_length_)) return false;
+  bool is_unit(const char* p, const char*& next_N) const {
     next_N = first_N(p, next_N, controller_.seq.end());
     return CSearchController::valid_starting_pattern(p, p + unit_length_, next_N);
   }
@@ -126,7 +126,7 @@ class ImperfectPass {
     const char* failed_end = begin;
     OwnedSat spare;
     for_each_seed(set, first_word, [&](const char* p) {
-      if (p >= failed_end && !may_be_tried(p, anchors, next_N)) return;
+      if (p >= failed_end && (!anchors.admits(p, unit_length_) || !is_unit(p, next_N))) return;
       part.tried[static_cast<std::size_t>((p - begin) / 64)] |= std::uint64_t{1} << ((p - begin) % 64);
       if (p < failed_end) return;
       failed_end = grow(p, spare, aids);
@@ -144,7 +144,7 @@ class ImperfectPass {
     for_each_seed(set, first_word, [&](const char* p) {
       const auto at = static_cast<std::size_t>(p - begin);
       if ((part.tried[at / 64] >> (at % 64) & 1) == 0) {
-        try_seed(p);
+        if (p >= failed_end_ && anchors_.admits(p, unit_length_)) failed_end_ = try_seed(p);
         return;
       }
       const bool is_kept = next_kept != part.kept.end() && next_kept->begin == p;
@@ -159,7 +159,7 @@ class ImperfectPass {
   CAnchorSeq& anchors_;
   std::list<Csat*>& found_;
   const char* next_N_;
-  const char* failed_end_;  ///< the seeds before it that were not tried would have failed
+  const char* failed_end_ = nullptr;  ///< the seeds before it that were not tried ahead need not be tried
   OwnedSat spare_;
   std::size_t part_words_ = 0;  ///< 64 positions each; of the parts that are tried ahead
 };
@@ -189,7 +189,7 @@ void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit
                                                                std::list<Csat*>& found) {
   ImperfectPass pass(*this, unit_length, anchors, found);
   if (workers.count() == 1) {
-    for_each_candidate(unit_length, rules.maximum_depth, [&pass](const char* p) { pass.try_seed(p); });
+    for_each_candidate(unit_length, rules.maximum_depth, anchors, [&pass](const char* p) { return pass.try_seed(p); });
   } else {
     pass.run_on_threads(find_candidates(unit_length, rules.maximum_depth));
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "satellite/records_ahead.h"
 #include "search/CSearchController.h"
 #include "sequence/global-types-and-parameters.h"
 
@@ -19,7 +20,9 @@ bool mostly_overlap(const Csat& a, const Csat& b) {
 void CSearchController::remove_hidden(CsatContainer& container) {
   if (!global_remove_mostly_hidden) return;
   std::list<Csat*>& sats = container.sats;
-  const auto remove = [&sats](std::list<Csat*>::iterator at) {
+  RecordsAhead ahead(sats);
+  const auto remove = [&](std::list<Csat*>::iterator at) {
+    ahead.leave_out(at);
     sat_alloc.give_back(*at);
     return sats.erase(at);
   };
@@ -41,5 +44,6 @@ void CSearchController::remove_hidden(CsatContainer& container) {
       }
     }
     if (!first_removed) ++first;
+    ahead.step();
   }
 }

@@ -1,3 +1,5 @@
+#include <random>
+
 #include "search/CAnchorSeq.h"
 #include "search/search_support.h"
 
@@ -170,6 +172,29 @@ TEST_P(AnchorPartTest, DoesNotChangeTheWhole) {
   part.cover(repeat(sequence, 0, 1, {}));
   EXPECT_FALSE(part.is_free(sequence.at(0)));
   EXPECT_TRUE(whole.is_free(sequence.at(0)));
+}
+
+TEST(AnchorSeqWordsTest, SixtyFourWindowsAtOnceAreAdmittedAsOneByOne) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 40; ++round) {
+    const test::Sequence sequence(std::string(60 + random() % 200, 'A'));
+    const auto size = static_cast<std::ptrdiff_t>(sequence.mol.sequence.length);
+    CAnchorSeq anchors(sequence.mol.begin(), sequence.mol.sequence.length);
+    for (int i = 0; i < 4; ++i) {
+      const auto begin = static_cast<std::ptrdiff_t>(random() % static_cast<unsigned>(size - 20));
+      Csat sat;
+      sat.seed(sequence.at(begin), sequence.at(begin + 1 + static_cast<std::ptrdiff_t>(random() % 20)));
+      if (random() % 2 == 0) sat.missense.push_back({sat.pos_left, 'M'});
+      anchors.cover(sat);
+    }
+    for (const std::int64_t unit : {1, 2, 5, 63, 64, 65}) {
+      for (std::ptrdiff_t p = 0; p + unit < size; ++p) {
+        const std::uint64_t word = anchors.admitted(sequence.at(p / 64 * 64), unit);
+        ASSERT_EQ((word >> (p % 64) & 1) != 0, anchors.admits(sequence.at(p), unit))
+            << round << " " << unit << " " << p;
+      }
+    }
+  }
 }
 
 }  // namespace
