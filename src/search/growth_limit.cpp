@@ -74,14 +74,16 @@ bool GrowthLimit::keeps_below(const Csat& seed, std::int64_t minimum_score) {
 }
 
 template <bool forward>
-bool GrowthLimit::leads_nowhere(const Front<forward>& front, const UnitCircle& circle) {
+bool GrowthLimit::keeps_from(std::int64_t enough, const Front<forward>& front, const UnitCircle& circle) {
   if (!is_useful(circle, front.score + 1)) return false;
   reverse_unit(circle);
-  return highest_score(front, circle, front.score + 1) == front.score;
+  // Heights that do not fit are enough in any case.
+  enough = std::min(enough, most_height_ - circle.length());
+  return highest_score(front, circle, enough) < enough;
 }
 
-template bool GrowthLimit::leads_nowhere(const Front<true>& front, const UnitCircle& circle);
-template bool GrowthLimit::leads_nowhere(const Front<false>& front, const UnitCircle& circle);
+template bool GrowthLimit::keeps_from(std::int64_t enough, const Front<true>& front, const UnitCircle& circle);
+template bool GrowthLimit::keeps_from(std::int64_t enough, const Front<false>& front, const UnitCircle& circle);
 
 void GrowthLimit::reverse_unit(const UnitCircle& circle) {
   if (reversed_.begin == circle.begin && reversed_.end == circle.end) return;

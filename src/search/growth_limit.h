@@ -23,20 +23,23 @@ class GrowthLimit {
   /// extension. False also if that cannot be told: for units that are too long, or where ways lead too far.
   bool keeps_below(const Csat& seed, std::int64_t minimum_score);
 
-  /// Whether a walk that has stopped at `front` certainly comes to no higher score. False also if that cannot be told.
+  /// Whether a walk that has stopped at `front` certainly never comes to the score `enough`, one that it does not have.
+  /// False also if that cannot be told.
   template <bool forward>
-  bool leads_nowhere(const Front<forward>& front, const UnitCircle& circle);
+  bool keeps_from(std::int64_t enough, const Front<forward>& front, const UnitCircle& circle);
 
  private:
   using Height = std::uint8_t;  ///< of a score above the bound of permitted steps; 0 where no way leads
   static constexpr std::int64_t lanes = 16;
-  static constexpr std::int64_t most_height = 250;  ///< four matches more still fit
+  static constexpr std::int64_t most_height = 250;   ///< four matches more still fit
+  static constexpr std::int64_t longest_unit = 250;  ///< reversing longer ones would cost as much as the walks
   static constexpr std::int64_t unknown = INT64_MAX;
 
   /// Whether all heights up to that of `highest_score` can be told apart, and ways that do little but insert or delete
   /// bases stay on the diagonals.
   bool is_useful(const UnitCircle& circle, std::int64_t highest_score) const {
-    return rules_.maximum_depth > 0 && circle.length() + highest_score <= most_height_;
+    return rules_.maximum_depth > 0 && circle.length() <= longest_unit &&
+           circle.length() + highest_score <= most_height_;
   }
 
   void reverse_unit(const UnitCircle& circle);
@@ -53,7 +56,7 @@ class GrowthLimit {
   const Height mismatch_cost_;
   const Height indel_cost_;
   const std::int64_t most_height_;
-  /// The unit from its last base to its first, and then again, so that a vector can be loaded from each of its bases.
-  std::array<std::uint8_t, most_height + 2 * lanes> reversed_unit_;
-  UnitCircle reversed_{nullptr, nullptr};
+  /// A unit from its last base to its first, and then again, so that a vector can be loaded from each of its bases.
+  std::array<std::uint8_t, longest_unit + lanes + 1> reversed_unit_;
+  UnitCircle reversed_{nullptr, nullptr};  ///< that unit
 };

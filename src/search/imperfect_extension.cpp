@@ -48,21 +48,26 @@ class ImperfectWalk {
     aids.begin_walk(circle, limit);
     State state{Front<forward>::of(sat), {sat.mismatches, sat.insertions, sat.deletions}, sat.missense.size, 0, 0};
     bool way_is_free = runs.extend_exact(state.front, limit, rules);
-    way_is_free = way_is_free && may_gain(state.front);
+    way_is_free = way_is_free && may_get_above(state.front.score, state.front);
     State best = state;
     const char* const begin = state.front.position;
+    const char* checked = begin;  // where it was last asked whether the walk may go on
     bool is_on_trail = circle.length() >= shortest_unit_with_trails;
     while (way_is_free && rules.maximum_depth > 0 && state.front.position != limit) {
       is_on_trail = is_on_trail && std::abs(state.front.position - begin) < std::max(circle.length(), trail_bases);
       if (!is_on_trail && follow_guide(state, best)) continue;
       if (is_on_trail && follow_trail(state, best)) continue;
+      if (std::abs(state.front.position - checked) >= bases_between_checks) {
+        if (!may_get_above(best.front.score, state.front)) break;
+        checked = state.front.position;
+      }
       const StepChoice step = next_step(state.front);
       if (step.kind == '-') break;
       if (is_on_trail) trail.note(state.front, step);
       note_lowest_height(state.front.score - bound, step.lowest);
       commit(step.kind, state);
       way_is_free = runs.extend_exact(state.front, limit, rules);
-      if (take_if_best(state, best)) way_is_free = way_is_free && may_gain(state.front);
+      if (take_if_best(state, best)) way_is_free = way_is_free && may_get_above(state.front.score, state.front);
     }
     guides.end_stretch();
     adopt(best);
@@ -160,9 +165,9 @@ class ImperfectWalk {
     return true;
   }
 
-  /// Whether anything behind a stop can be better than it.
-  bool may_gain(const FrontState& front) const {
-    return front.position != limit && !aids.growth_limit.leads_nowhere(front, circle);
+  /// Whether the walk may come to a higher score than this one behind a stop.
+  bool may_get_above(std::int64_t score, const FrontState& front) const {
+    return front.position != limit && !aids.growth_limit.keeps_from(score + 1, front, circle);
   }
 
   /// Goes on like the walk before this one, as far as that is known to be right. False if the walk has not moved.
@@ -348,6 +353,8 @@ class ImperfectWalk {
     if (!stretches->empty()) stretches->back().end = state.stretch_end;
   }
 
+  /// The question costs as much as a step or two.
+  static constexpr std::int64_t bases_between_checks = 32;
   static constexpr std::size_t longest_told_stretch = 512;
   /// Trails lead so far, or through a unit. Behind them are guides.
   static constexpr std::int64_t trail_bases = 256;

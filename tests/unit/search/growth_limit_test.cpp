@@ -138,13 +138,16 @@ TEST_F(GrowthLimitTest, IsTheHighestScoreOfAllWays) {
     const std::int64_t score = backward.highest() - circle.length();
 
     EXPECT_FALSE(limit.keeps_below(seed, score)) << "case " << number;
-    const bool leads_nowhere = limit.leads_nowhere(right, circle);
+    const bool leads_nowhere = limit.keeps_from(right.score + 1, right, circle);
     EXPECT_FALSE(leads_nowhere && forward.highest() > right.score + circle.length()) << "case " << number;
     if (!forward.stays_near() || !backward.stays_near()) continue;
     if (circle.length() + score + 1 > std::min<std::int64_t>(250, -20 * c.rules.indel_score)) continue;
     ++told;
     EXPECT_TRUE(limit.keeps_below(seed, score + 1)) << "case " << number;
     EXPECT_EQ(leads_nowhere, forward.highest() == right.score + circle.length()) << "case " << number;
+    const std::int64_t best = forward.highest() - circle.length();
+    EXPECT_TRUE(limit.keeps_from(best + 1, right, circle)) << "case " << number;
+    EXPECT_TRUE(best == right.score || !limit.keeps_from(best, right, circle)) << "case " << number;
   }
   EXPECT_GT(told, 1500U);
 }
