@@ -5,6 +5,10 @@
 #include <utility>
 #include <vector>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include "search/CSearchController.h"
 #include "search/candidate_scan.h"
 #include "search/lag_filter.h"
@@ -195,6 +199,17 @@ void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit
   }
 }
 
+namespace {
+
+/// To the system.
+void return_free_memory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
+
+}  // namespace
+
 /// The lag filter decides a range of unit lengths at a time; a unit length outside the present range begins the next
 /// one.
 void CSearchController::prepare_candidates(std::int64_t unit_length) {
@@ -204,6 +219,14 @@ void CSearchController::prepare_candidates(std::int64_t unit_length) {
   const auto useful = [this](std::int64_t L) {
     return !SeedFilter::is_useful(L, (*minScores)[L], rules) && LagFilter::is_useful(L, (*minScores)[L], rules);
   };
+  // Where units are long the working space of the filter should not stand beside what the walks have left, which is of
+  // no use for longer units. For short units it would take longer to ask for the memory again.
+  constexpr std::int64_t long_unit = 256;
+  if (unit_length >= long_unit) {
+    for (std::unique_ptr<GrowthAids>& aids : growth_aids) aids.reset();
+    lag_candidates.clear();
+    return_free_memory();
+  }
   const LagFilter filter(seq.begin(), seq.end(), rules);
   const std::int64_t last = filter.end_of_range(unit_length, longest_unit());
   std::int64_t last_useful = unit_length - 1;
@@ -214,4 +237,5 @@ void CSearchController::prepare_candidates(std::int64_t unit_length) {
   const auto done = static_cast<double>(unit_length - global_min_unit_length);
   lag_range_last = filter.mark_candidates(unit_length, last_useful, *minScores, lag_candidates, workers,
                                           [&](double share) { draw_progress(done + share * units); });
+  if (unit_length >= long_unit) return_free_memory();
 }
