@@ -196,7 +196,7 @@ void put_alignment(ReportText& text, const Csat& sat, const CSequence_Mol& seq) 
 }  // namespace
 
 void Csat::report_sat(std::FILE* out, const CSequence_Mol& seq) const {
-  const ReportedUnit shown = reported_unit(*this);
+  const ReportedUnit& shown = reported_unit(*this);
   if (shown.periodic) return;
   ReportText text(out);
   put_line(text, *this, seq, shown.unit.str());

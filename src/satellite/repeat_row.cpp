@@ -52,7 +52,7 @@ std::string matched_unit_of(const Csat& sat) {
 }  // namespace
 
 std::optional<RepeatRow> repeat_row(const Csat& sat, const CSequence_Mol& seq) {
-  const ReportedUnit shown = reported_unit(sat);
+  const ReportedUnit& shown = reported_unit(sat);
   if (shown.periodic) return std::nullopt;
   RepeatRow row{};
   row.start = sat.pos_left - seq.begin() + 1;

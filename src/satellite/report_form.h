@@ -6,11 +6,12 @@
 /// The unit as the report shows it, and whether it is itself periodic, which keeps the repeat out of the report.
 struct ReportedUnit {
   CDnaString unit;
-  bool periodic;
+  bool periodic = false;
 };
 
-/// By `global_report_unit_mode`.
-ReportedUnit reported_unit(const Csat& sat);
+/// By `global_report_unit_mode`. Short units come again and again, so what is shown for them is remembered. The
+/// reference is good until the thread's next call.
+const ReportedUnit& reported_unit(const Csat& sat);
 
 /// Calls `column(sequence_base, mark, unit_base)` for every column of the alignment of the repeat with the perfect
 /// repetition of its unit, from left to right. "-" fills a gap; the mark is "|" for a base that agrees, "*" for a
