@@ -11,6 +11,7 @@
 #include <string>
 
 #include "search/CSearchController.h"
+#include "search/growth_limit.h"
 #include "search/lag_filter.h"
 #include "search/seed_filter.h"
 #include "sequence/global-types-and-parameters.h"
@@ -94,6 +95,27 @@ void filter_long_units(benchmark::State& state) {
   finish(state, marked);
 }
 BENCHMARK(filter_long_units)->Args({12, 24, 60})->Args({25, 50, 60})->Args({51, 100, 60})->Args({25, 50, 80});
+
+/// Every seed, though the filters would leave few of them.
+void tell_before_walks(benchmark::State& state) {
+  const Record record(random_bases(static_cast<unsigned>(state.range(1))));
+  const BasePlanes planes(record.mol.begin(), record.mol.end());
+  const ExtensionRules extension_rules = rules();
+  GrowthLimit limit(record.mol.begin(), record.mol.end(), planes, extension_rules);
+  const std::int64_t unit_length = state.range(0);
+  const std::int64_t minimum_score = std::max<std::int64_t>(6, unit_length);
+  std::size_t told = 0;
+  Csat seed;
+  for (auto _ : state) {
+    told = 0;
+    for (const char* p = record.mol.begin(); p + unit_length < record.mol.end(); ++p) {
+      seed.seed(p, p + unit_length);
+      told += limit.keeps_below(seed, minimum_score) ? 1 : 0;
+    }
+  }
+  finish(state, told);
+}
+BENCHMARK(tell_before_walks)->ArgsProduct({{2, 6, 20, 50}, {60, 80}})->Unit(benchmark::kMillisecond);
 
 void search_imperfect(benchmark::State& state) {
   Record record(random_bases(static_cast<unsigned>(state.range(1))));
