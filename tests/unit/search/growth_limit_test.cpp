@@ -193,4 +193,18 @@ TEST_F(GrowthLimitTest, TellsNothingOfLongUnitsAndWithoutLookahead) {
   EXPECT_FALSE(GrowthLimit(sequence.mol.begin(), sequence.mol.end(), planes, exact).keeps_below(sat, 10));
 }
 
+// A walk may have fallen from a height that the lanes cannot hold, and come back to it.
+TEST_F(GrowthLimitTest, ScoresThatDoNotFitAreNotOutOfReach) {
+  const test::Sequence sequence(test::repeated("ACGGTCA", 60) + test::repeated("T", 200));
+  const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
+  const ExtensionRules usual{-6, -6, 5, 4, false};
+  GrowthLimit limit(sequence.mol.begin(), sequence.mol.end(), planes, usual);
+  Csat sat;
+  sat.seed(sequence.at(0), sequence.at(7));
+  const UnitCircle circle{sat.unit_begin, sat.unit_end};
+  EXPECT_FALSE(limit.keeps_from(300, Front<true>::of(sat), circle));
+  sat.seed(sequence.at(410), sequence.at(417));
+  EXPECT_TRUE(limit.keeps_from(300, Front<true>::of(sat), {sat.unit_begin, sat.unit_end}));
+}
+
 }  // namespace
