@@ -219,23 +219,23 @@ void CSearchController::prepare_candidates(std::int64_t unit_length) {
   const auto useful = [this](std::int64_t L) {
     return !SeedFilter::is_useful(L, (*minScores)[L], rules) && LagFilter::is_useful(L, (*minScores)[L], rules);
   };
-  // Where units are long the working space of the filter should not stand beside what the walks have left, which is of
-  // no use for longer units. For short units it would take longer to ask for the memory again.
-  constexpr std::int64_t long_unit = 256;
-  if (unit_length >= long_unit) {
-    for (std::unique_ptr<GrowthAids>& aids : growth_aids) aids.reset();
-    lag_candidates.clear();
-    return_free_memory();
-  }
   const LagFilter filter(seq.begin(), seq.end(), rules);
   const std::int64_t last = filter.end_of_range(unit_length, longest_unit());
   std::int64_t last_useful = unit_length - 1;
   while (last_useful < last && useful(last_useful + 1)) ++last_useful;
   if (last_useful < unit_length) return;
+  // Where units are long the working space of the filter should not stand beside what the walks have left, which is of
+  // no use for longer units. Otherwise it would take longer to ask for the memory again.
+  const bool takes_much_memory = unit_length >= 256 && seq.end() - seq.begin() >= 1 << 18;
+  if (takes_much_memory) {
+    for (std::unique_ptr<GrowthAids>& aids : growth_aids) aids.reset();
+    lag_candidates.clear();
+    return_free_memory();
+  }
   // Nearly all of the work on these unit lengths is done here.
   const auto units = static_cast<double>(last_useful - unit_length + 1);
   const auto done = static_cast<double>(unit_length - global_min_unit_length);
   lag_range_last = filter.mark_candidates(unit_length, last_useful, *minScores, lag_candidates, workers,
                                           [&](double share) { draw_progress(done + share * units); });
-  if (unit_length >= long_unit) return_free_memory();
+  if (takes_much_memory) return_free_memory();
 }
