@@ -7,20 +7,35 @@
 #include <vector>
 
 #include "satellite/Csat.h"
-#include "search/walk_guide.h"
+#include "search/unit_guide.h"
 
 /// Which positions of one sequence may still anchor a seed. A kept repeat takes its positions out, but for those where
 /// it departs from the perfect repeat.
 ///
 /// One bit for each base, set where it is free, and a sentinel before the first and behind the last base that stays
 /// free, so that the test needs no bounds. The object owns the bits; it lives for one search.
+///
+/// In a satellite array thousands of repeats may each cover the whole array, one after the other, while the search gets
+/// on by a few bases between them. So a stretch of a repeat that a guide knows is only named here. Its bits are
+/// undefined until `settle` is called for them.
 class CAnchorSeq {
  public:
   /// The sequence begins at `begin` and has `length` bases.
-  CAnchorSeq(const char* begin, std::size_t length) : seq_begin(begin), mask(length / 64 + 2) { reset(); }
+  CAnchorSeq(const char* begin, std::size_t length) : seq_begin(begin), first_base(begin), mask(length / 64 + 2) {
+    reset();
+  }
 
   /// Frees all positions.
-  void reset() { std::fill(mask.begin(), mask.end(), ~std::uint64_t{0}); }
+  void reset() {
+    std::fill(mask.begin(), mask.end(), ~std::uint64_t{0});
+    named.clear();
+  }
+
+  /// To be called before positions of [first, end) are asked for, if something was covered before. The range may exceed
+  /// the sequence.
+  void settle(const char* first, const char* end) {
+    if (!named.empty()) settle_bits(first - seq_begin + 1, end - seq_begin + 1);
+  }
 
   /// Whether the window [p, p + unit_length) may be tried as a seed, which must end before the sequence's last base:
   /// its first base is free and so is its last or the one behind it, or the base before it and its last are both free.
@@ -47,26 +62,32 @@ class CAnchorSeq {
   /// positions from base 64 * `first_word` on, and one before it.
   CAnchorSeq part(std::size_t first_word, std::size_t words) const {
     const std::size_t end = std::min(first_word + words + 1, mask.size());
-    return CAnchorSeq(seq_begin + 64 * first_word,
+    return CAnchorSeq(seq_begin + 64 * first_word, first_base,
                       std::vector<std::uint64_t>(mask.begin() + offset(first_word), mask.begin() + offset(end)));
   }
 
-  /// Takes the positions of a kept repeat out, then frees those of its events.
-  void cover(const Csat& sat) {
-    clear_bits(std::max<std::ptrdiff_t>(0, sat.pos_left - seq_begin + 1),
-               std::min<std::ptrdiff_t>(bits(), sat.pos_right_end - seq_begin + 1));
-    for (const Csat::Event& event : sat.missense) free(event.first - seq_begin + 1);
-  }
-
-  /// Frees the positions of events that the record's list does not hold. `first_base` is the sequence's.
-  template <bool forward>
-  void free_events(const GuidedStretch<forward>& stretch, const char* first_base) {
-    const std::ptrdiff_t here = first_base - seq_begin + 1;
-    for (std::size_t i = stretch.first; i < stretch.end; ++i) free(here + stretch.guide->stops()[i].event_position());
-  }
+  /// Takes the positions of a kept repeat out, then frees those of its events. `untold` are the stretches whose events
+  /// its list does not hold; they lie apart from one another.
+  void cover(const Csat& sat, const std::vector<GuidedStretch>& untold = {});
 
  private:
-  CAnchorSeq(const char* begin, std::vector<std::uint64_t> state) : seq_begin(begin), mask(std::move(state)) {}
+  /// A stretch of a repeat that is not in the bits: they are those of [first, end). Bits of other events of the repeat
+  /// may lie there.
+  struct NamedStretch {
+    GuidedStretch stretch;
+    std::ptrdiff_t first;
+    std::ptrdiff_t end;
+    std::vector<std::ptrdiff_t> other_events;
+    std::ptrdiff_t settled_at_once;
+  };
+
+  CAnchorSeq(const char* begin, const char* first_base_of_sequence, std::vector<std::uint64_t> state)
+      : seq_begin(begin), first_base(first_base_of_sequence), mask(std::move(state)) {}
+
+  void settle_bits(std::ptrdiff_t first, std::ptrdiff_t end);
+  void write(const NamedStretch& stretch, std::ptrdiff_t first, std::ptrdiff_t end);
+  void forget_named(std::ptrdiff_t first, std::ptrdiff_t end);
+  void free_event(std::ptrdiff_t bit);
 
   static std::ptrdiff_t offset(std::size_t word) { return static_cast<std::ptrdiff_t>(word); }
 
@@ -105,6 +126,8 @@ class CAnchorSeq {
     *word(last_word) &= ~to_last;
   }
 
-  const char* seq_begin;
+  const char* seq_begin;   ///< of the part of the sequence that this is the mask of
+  const char* first_base;  ///< of the sequence
   std::vector<std::uint64_t> mask;
+  std::vector<NamedStretch> named;  ///< they do not overlap
 };

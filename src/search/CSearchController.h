@@ -165,7 +165,7 @@ class CSearchController {
   using KeepRepeat = std::function<bool(Csat*)>;
   /// Calls `keep` with every exact repeat that passes the active thresholds, by ascending unit length and start.
   void find_exact_repeats(const KeepRepeat& keep);
-  void search_exact_mononucleotides(const CAnchorSeq& cover, const KeepRepeat& keep);
+  void search_exact_mononucleotides(CAnchorSeq& cover, const KeepRepeat& keep);
   void search_exact_units(std::int64_t unit_length, CAnchorSeq& cover, const KeepRepeat& keep);
   void extend_exact_both_ways(Csat& sat) const;
 
@@ -192,7 +192,7 @@ class CSearchController {
   /// Calls `try_seed` with the start of each of them that the anchors admit by then, in ascending order, and lets the
   /// run status report. `try_seed` returns a start behind that; those before it are left out.
   template <typename TrySeed>
-  void for_each_candidate(std::int64_t unit_length, std::int64_t depth, const CAnchorSeq& anchors, TrySeed try_seed);
+  void for_each_candidate(std::int64_t unit_length, std::int64_t depth, CAnchorSeq& anchors, TrySeed try_seed);
   /// Takes out of `candidates` what the imperfect extension cannot bring to the user's minimum score. Such a seed would
   /// be found and given back; it could not block another one either.
   void drop_seeds_that_cannot_grow(std::int64_t unit_length);

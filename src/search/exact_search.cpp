@@ -52,7 +52,7 @@ void CSearchController::find_exact_repeats(const KeepRepeat& keep) {
 }
 
 /// Runs of one base are not written into the cover: the scan jumps over each, and they must not hide longer units.
-void CSearchController::search_exact_mononucleotides(const CAnchorSeq& cover, const KeepRepeat& keep) {
+void CSearchController::search_exact_mononucleotides(CAnchorSeq& cover, const KeepRepeat& keep) {
   const Minimum minimum = minimum_of(1);
   Csat* spare = nullptr;
   for_each_candidate(1, 0, cover, [&](const char* p) {

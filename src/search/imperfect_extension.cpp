@@ -23,7 +23,7 @@ class ImperfectWalk {
   /// `untold` null: all events are noted. Otherwise long stretches that a guide leads along are only named there.
   ImperfectWalk(Csat& record, UnitCircle unit, const char* sequence_limit, const ExtensionRules& extension_rules,
                 const BasePlanes& planes, const char* first_base_of_sequence, WalkAids<forward>& walk_aids,
-                std::vector<GuidedStretch<forward>>* untold)
+                std::vector<GuidedStretch>* untold)
       : sat(record),
         circle(unit),
         limit(sequence_limit),
@@ -35,6 +35,7 @@ class ImperfectWalk {
         aids(walk_aids),
         guides(walk_aids.guides),
         memo(walk_aids.memo),
+        unit_memo(walk_aids.unit_memo),
         trail(walk_aids.trail),
         level(walk_aids.level),
         next_level(walk_aids.next_level),
@@ -47,16 +48,19 @@ class ImperfectWalk {
   void run() {
     if (stretches != nullptr) stretches->clear();
     aids.begin_walk(circle, limit);
-    State state{Front<forward>::of(sat), {sat.mismatches, sat.insertions, sat.deletions}, sat.missense.size, 0, 0};
+    State state{Front<forward>::of(sat), {sat.mismatches, sat.insertions, sat.deletions}, sat.missense.size, 0, 0, 0};
     bool way_is_free = runs.extend_exact(state.front, limit, rules);
     way_is_free = way_is_free && may_get_above(state.front.score, state.front);
     State best = state;
     const char* const begin = state.front.position;
     const char* checked = begin;  // where it was last asked whether the walk may go on
     bool is_on_trail = circle.length() >= shortest_unit_with_trails;
+    bool is_at_checkpoint = false;
     while (way_is_free && rules.maximum_depth > 0 && state.front.position != limit) {
       is_on_trail = is_on_trail && std::abs(state.front.position - begin) < std::max(circle.length(), trail_bases);
-      if (!is_on_trail && follow_guide(state, best)) continue;
+      const bool may_be_led = is_at_checkpoint && !is_on_trail;
+      is_at_checkpoint = false;
+      if (may_be_led && follow_guide(state, best)) continue;
       if (is_on_trail && follow_trail(state, best)) continue;
       if (std::abs(state.front.position - checked) >= bases_between_checks) {
         if (!may_get_above(best.front.score, state.front)) break;
@@ -67,10 +71,12 @@ class ImperfectWalk {
       if (is_on_trail) trail.note(state.front, step);
       note_lowest_height(state.front.score - bound, step.lowest);
       commit(step.kind, state);
+      const char* const run_begin = state.front.position;
       way_is_free = runs.extend_exact(state.front, limit, rules);
+      is_at_checkpoint = guides.is_checkpoint(state.front, std::abs(state.front.position - run_begin));
       if (take_if_best(state, best)) way_is_free = way_is_free && may_get_above(state.front.score, state.front);
     }
-    guides.end_stretch();
+    guides.leave();
     adopt(best);
     aids.spare_height = spare.of_walk();
   }
@@ -78,15 +84,15 @@ class ImperfectWalk {
  private:
   using FrontState = Front<forward>;
 
-  using Counts = typename WalkGuide<forward>::Counts;
-  using Hit = typename WalkGuides<forward>::Hit;
+  using Counts = UnitGuide::Counts;
 
   struct State {
     FrontState front;
     Counts counts;
-    std::size_t events;       ///< in the record's list
-    std::size_t stretches;    ///< that were only named
-    std::size_t stretch_end;  ///< of the last of them: this state may lie inside it
+    std::size_t events;         ///< in the record's list
+    std::size_t stretches;      ///< that were only named
+    std::size_t stretch_steps;  ///< of the last of them: this state may lie inside it
+    std::uint32_t stretch_end;
   };
 
   FrontState after_mismatch(FrontState front) const {
@@ -120,15 +126,28 @@ class ImperfectWalk {
     StepChoice step;
     if (may_be_shared) step = memo.step_at(front, rest, front.score - bound);
     if (step.kind == '?') {
-      step = window.choose(front, limit);
-      if (step.kind == '?') step = deep_step(front);
+      step = ++steps_found > steps_before_unit_memo ? step_by_unit_memo(front) : found_step(front);
       if (may_be_shared) memo.note(front, step, rest);
     }
     if (all_permitted(front)) {
       guides.note(front, step.kind);
     } else {
-      guides.end_stretch();
+      guides.leave();
     }
+    return step;
+  }
+
+  StepChoice found_step(const FrontState& front) {
+    const StepChoice step = window.choose(front, limit);
+    return step.kind == '?' ? deep_step(front) : step;
+  }
+
+  StepChoice step_by_unit_memo(const FrontState& front) {
+    const auto place = unit_memo.place_of(front, runs, circle.length());
+    StepChoice step = unit_memo.step_at(place, front.score - bound);
+    if (step.kind != '?') return step;
+    step = found_step(front);
+    unit_memo.note(place, step);
     return step;
   }
 
@@ -188,71 +207,68 @@ class ImperfectWalk {
     return forward ? circle.end - front.unit : front.unit + 1 - circle.begin;
   }
 
-  /// Follows a guide that stands where the walk has stopped, as far as it leads and everything is permitted. False if
-  /// the walk has not moved.
+  /// Follows a guide from a checkpoint on, as far as it leads and everything is permitted. False if the walk has not
+  /// moved.
   bool follow_guide(State& state, State& best) {
     if (!all_permitted(state.front)) return false;
-    const std::optional<Hit> hit = guides.at(state.front);
-    if (!hit) return false;
-    guides.end_stretch();
-    const WalkGuide<forward>& guide = *hit->guide;
-    const std::int64_t lead = state.front.score - guide.stops()[hit->stop].score;
     const std::int64_t too_low = bound - rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score);
-    const std::size_t last = guide.first_at_most(hit->stop, too_low - lead);
-    if (last == hit->stop) return false;
+    const auto led = guides.lead(state.front, too_low - state.front.score);
+    if (!led) return false;
+    const UnitGuide::Way& way = led->way;
     spare.note_step(0, true);  // more is not known
-    const std::size_t highest = guide.highest(hit->stop, last);
-    const bool is_best = guide.stops()[highest].score + lead > best.front.score;
+    const bool is_best = state.front.score + way.highest.gain > best.front.score;
     const State before = state;
-    note_events(*hit, last, state);
+    note_events(*led, state);
     if (is_best) {
       spare.note_best();
-      best = led_to(highest, *hit, before);
+      best = led_to(way.highest, before);
       if (state.stretches > before.stretches) {
         best.stretches = state.stretches;
-        best.stretch_end = highest;
+        best.stretch_steps = way.highest.steps.all();
+        best.stretch_end = way.highest.position;
       } else {
-        best.events = before.events + (highest - hit->stop);
+        best.events = before.events + way.highest.steps.all();
       }
     }
-    const State moved = led_to(last, *hit, before);
+    const State moved = led_to(way.last, before);
     state.front = moved.front;
     state.counts = moved.counts;
     return true;
   }
 
-  /// The state at a later stop of the guide.
-  State led_to(std::size_t stop, const Hit& hit, State state) const {
-    const auto& from = hit.guide->stops()[hit.stop];
-    const auto& to = hit.guide->stops()[stop];
-    const Counts steps = hit.guide->steps(hit.stop, stop);
-    const std::int64_t bases = std::abs(std::int64_t{to.position} - from.position);
-    const std::int64_t gain = std::int64_t{to.score} - from.score;
-    const std::int64_t indels = std::int64_t{steps.insertions} + steps.deletions;
-    const std::int64_t matches = gain - steps.mismatches * rules.mismatch_score - indels * rules.indel_score;
-    runs.advance(state.front, bases - steps.insertions + steps.deletions);
-    state.front.position = first_base + to.position;
-    state.front.score += gain;
-    state.front.num_Ns += static_cast<std::uint32_t>(bases - matches - steps.mismatches - steps.insertions);
-    state.counts.mismatches += steps.mismatches;
-    state.counts.insertions += steps.insertions;
-    state.counts.deletions += steps.deletions;
+  /// The state at a later stop of a guide's way.
+  State led_to(const UnitGuide::Point& stop, State state) const {
+    const std::int64_t bases = std::abs(first_base + stop.position - state.front.position);
+    const std::int64_t mismatches = stop.steps.mismatches;
+    const std::int64_t insertions = stop.steps.insertions;
+    const std::int64_t deletions = stop.steps.deletions;
+    const std::int64_t matches =
+        stop.gain - mismatches * rules.mismatch_score - (insertions + deletions) * rules.indel_score;
+    runs.advance(state.front, bases - insertions + deletions);
+    state.front.position = first_base + stop.position;
+    state.front.score += stop.gain;
+    state.front.num_Ns += static_cast<std::uint32_t>(bases - matches - mismatches - insertions);
+    state.counts.add(stop.steps);
     return state;
   }
 
-  /// Notes the events at the guide's stops from the hit up to `end`, exclusive, or only the stretch if it is long.
-  void note_events(const Hit& hit, std::size_t end, State& state) {
-    if (stretches != nullptr && end - hit.stop > longest_told_stretch) {
+  /// Notes the events of a guide's way, or only the stretch if it is long.
+  void note_events(const typename WalkGuides<forward>::Led& led, State& state) {
+    const std::size_t steps = led.way.last.steps.all();
+    const GuidedStretch stretch{led.guide, led.way.first_leg, steps,
+                                static_cast<std::uint32_t>(state.front.position - first_base), led.way.last.position};
+    if (stretches != nullptr && steps > longest_told_stretch) {
       stretches->resize(state.stretches);
-      stretches->push_back({hit.guide, hit.stop, end});
+      stretches->push_back(stretch);
       ++state.stretches;
-      state.stretch_end = end;
+      state.stretch_steps = steps;
+      state.stretch_end = stretch.end;
       return;
     }
-    for (std::size_t i = hit.stop; i < end; ++i) {
-      const auto& stop = hit.guide->stops()[i];
-      sat.missense.push_back({first_base + stop.event_position(), stop.kind()});
-    }
+    sat.missense.reserve_more(steps);
+    stretch.for_each_event([this](std::uint32_t position, char kind) {
+      sat.missense.push_back({first_base + position, kind});
+    });
     state.events = sat.missense.size;
   }
 
@@ -329,12 +345,16 @@ class ImperfectWalk {
     sat.missense.size = state.events;
     if (stretches == nullptr) return;
     stretches->resize(state.stretches);
-    if (!stretches->empty()) stretches->back().end = state.stretch_end;
+    if (stretches->empty()) return;
+    stretches->back().steps = state.stretch_steps;
+    stretches->back().end = state.stretch_end;
   }
 
+  /// Walks that are over by then would write much into the memo that nobody asks for.
+  static constexpr std::int64_t steps_before_unit_memo = 4;
   /// The question costs as much as a step or two.
   static constexpr std::int64_t bases_between_checks = 32;
-  static constexpr std::size_t longest_told_stretch = 512;
+  static constexpr std::size_t longest_told_stretch = 64;
   /// Trails lead so far, or through a unit. Behind them are guides.
   static constexpr std::int64_t trail_bases = 256;
   /// The walks of shorter ones are done in a step or two.
@@ -351,11 +371,13 @@ class ImperfectWalk {
   WalkAids<forward>& aids;
   WalkGuides<forward>& guides;
   StepMemo<forward>& memo;
+  UnitMemo<forward>& unit_memo;
   WalkTrail<forward>& trail;
   FrontSet<forward>& level;
   FrontSet<forward>& next_level;
   FrontSet<forward>& stops;
-  std::vector<GuidedStretch<forward>>* const stretches;
+  std::vector<GuidedStretch>* const stretches;
+  std::int64_t steps_found = 0;  ///< that the first memo does not know
   SpareHeight spare;
 };
 

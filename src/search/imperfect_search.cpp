@@ -1,7 +1,9 @@
 // The direct search for imperfect repeats.
 
 #include <algorithm>
+#include <iterator>
 #include <list>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -38,7 +40,7 @@ class ImperfectPass {
     GrowthAids& aids = controller_.aids_of(0);
     const char* const failed_end = grow(p, spare_, aids);
     if (failed_end > p) return failed_end;
-    keep({p, std::move(spare_), aids.forward.untold, aids.backward.untold});
+    keep({p, std::move(spare_), untold_of(aids)});
     return p + 1;
   }
 
@@ -47,6 +49,10 @@ class ImperfectPass {
     part_words_ = std::clamp<std::size_t>(set.words() / at_once, 1, 512);
     const std::size_t parts = (set.words() + part_words_ - 1) / part_words_;
     for (std::size_t first = 0; first < parts; first += at_once) {
+      // The parts are copied from several threads.
+      const char* const begin = controller_.seq.begin() + 64 * first * part_words_;
+      const auto bases = static_cast<std::ptrdiff_t>(64 * at_once * part_words_) + unit_length_ + 256;
+      anchors_.settle(begin - 1, begin + std::min(bases, controller_.seq.end() + 1 - begin));
       std::vector<Part> tried(std::min(at_once, parts - first));
       controller_.workers.run(tried.size(), [&](std::size_t number, unsigned worker) {
         tried[number] = try_ahead(set, (first + number) * part_words_, worker);
@@ -61,8 +67,7 @@ class ImperfectPass {
   struct Kept {
     const char* begin;
     OwnedSat sat;
-    std::vector<GuidedStretch<true>> forward_untold;
-    std::vector<GuidedStretch<false>> backward_untold;
+    std::vector<GuidedStretch> untold;
   };
 
   struct Part {
@@ -98,18 +103,33 @@ class ImperfectPass {
     return p + 1;
   }
 
-  void cover(const Kept& kept, CAnchorSeq& anchors) const {
-    anchors.cover(*kept.sat);
-    for (const auto& stretch : kept.forward_untold) anchors.free_events(stretch, controller_.seq.begin());
-    for (const auto& stretch : kept.backward_untold) anchors.free_events(stretch, controller_.seq.begin());
+  /// Of the record grown last.
+  static std::vector<GuidedStretch> untold_of(const GrowthAids& aids) {
+    std::vector<GuidedStretch> untold = aids.forward.untold;
+    untold.insert(untold.end(), aids.backward.untold.begin(), aids.backward.untold.end());
+    return untold;
   }
 
   void keep(Kept kept) {
-    cover(kept, anchors_);
+    anchors_.cover(*kept.sat, kept.untold);
     CSearchController::drop_many_events(*kept.sat);
     kept.sat->sort_missense();
-    found_.push_back(kept.sat.get());
-    static_cast<void>(kept.sat.release());
+    add(std::move(kept.sat));
+  }
+
+  /// To the result. In a satellite array nearly as many repeats as it has bases may be the same stretch. Of those of
+  /// one unit length the overlap removal would leave the one of the highest score, the first of several, and the others
+  /// decide on no repeat that this one does not decide on. So they need not be stored.
+  void add(OwnedSat sat) {
+    found_.push_back(sat.get());
+    const Csat& added = *sat.release();
+    if (!global_remove_mostly_hidden || added.length() < shortest_long_repeat) return;
+    auto hidden = std::prev(found_.end());
+    const auto [entry, is_new] = long_repeats_.try_emplace({added.pos_left, added.pos_right_end}, hidden);
+    if (is_new) return;
+    if ((*entry->second)->score < added.score) std::swap(entry->second, hidden);
+    sat_alloc.give_back(*hidden);
+    found_.erase(hidden);
   }
 
   template <typename Visit>
@@ -130,13 +150,14 @@ class ImperfectPass {
     const char* failed_end = begin;
     OwnedSat spare;
     for_each_seed(set, first_word, [&](const char* p) {
+      anchors.settle(p - 1, p + unit_length_ + 1);
       if (p >= failed_end && (!anchors.admits(p, unit_length_) || !is_unit(p, next_N))) return;
       part.tried[static_cast<std::size_t>((p - begin) / 64)] |= std::uint64_t{1} << ((p - begin) % 64);
       if (p < failed_end) return;
       failed_end = grow(p, spare, aids);
       if (failed_end > p) return;
-      part.kept.push_back({p, std::move(spare), aids.forward.untold, aids.backward.untold});
-      cover(part.kept.back(), anchors);
+      part.kept.push_back({p, std::move(spare), untold_of(aids)});
+      anchors.cover(*part.kept.back().sat, part.kept.back().untold);
     });
     return part;
   }
@@ -147,6 +168,7 @@ class ImperfectPass {
     auto next_kept = part.kept.begin();
     for_each_seed(set, first_word, [&](const char* p) {
       const auto at = static_cast<std::size_t>(p - begin);
+      anchors_.settle(p - 1, p + unit_length_ + 1);
       if ((part.tried[at / 64] >> (at % 64) & 1) == 0) {
         if (p >= failed_end_ && anchors_.admits(p, unit_length_)) failed_end_ = try_seed(p);
         return;
@@ -157,6 +179,8 @@ class ImperfectPass {
     });
   }
 
+  static constexpr std::int64_t shortest_long_repeat = 1024;
+
   const CSearchController& controller_;
   const std::int64_t unit_length_;
   const Minimum minimum_;
@@ -166,6 +190,8 @@ class ImperfectPass {
   const char* failed_end_ = nullptr;  ///< the seeds before it that were not tried ahead need not be tried
   OwnedSat spare_;
   std::size_t part_words_ = 0;  ///< 64 positions each; of the parts that are tried ahead
+  /// The repeats from some length on that were kept, by their ends.
+  std::map<std::pair<const char*, const char*>, std::list<Csat*>::iterator> long_repeats_;
 };
 
 void CSearchController::complete_imperfect_search() {

@@ -41,6 +41,20 @@ class UnitRuns {
     return rest < 0 ? rest + length_ : rest;
   }
 
+  /// 64 bases, as two bit planes.
+  struct Bases {
+    std::uint64_t low = 0;
+    std::uint64_t high = 0;
+  };
+
+  /// The 64 unit bases that a walk comes to next, the one expected now being the first of them, or the last if the walk
+  /// grows backward.
+  template <bool forward>
+  Bases next_bases(const Front<forward>& front) const {
+    const std::int64_t phase = wrapped(front.unit - circle_.begin - (forward ? 0 : width - 1));
+    return {low_bits(phase), high_bits(phase)};
+  }
+
   /// The number of bases from the front on that agree with the unit, N excluded, at most up to `limit`.
   template <bool forward>
   std::int64_t count(const Front<forward>& front, const char* limit) const {

@@ -7,7 +7,8 @@
 #include "search/growth_limit.h"
 #include "search/lookahead_space.h"
 #include "search/step_memo.h"
-#include "search/walk_guide.h"
+#include "search/unit_memo.h"
+#include "search/walk_guides.h"
 #include "search/walk_trail.h"
 
 /// What the walks of one sequence, one direction and one thread remember of one another. Without it every walk would
@@ -17,13 +18,14 @@ struct WalkAids {
   GrowthLimit& growth_limit;  ///< not owned
   WalkGuides<forward> guides;
   StepMemo<forward> memo;
+  UnitMemo<forward> unit_memo;
   WalkTrail<forward> trail;
   LookaheadSpace space;
   FrontSet<forward> level;  ///< working space of the lookahead outside the window
   FrontSet<forward> next_level;
   FrontSet<forward> stops;
   /// Of the record grown last: stretches whose events are not in its list.
-  std::vector<GuidedStretch<forward>> untold;
+  std::vector<GuidedStretch> untold;
   /// With a first score lower by up to so much, the walk done last would have had the same outcome, lower by as much.
   std::int64_t spare_height = 0;
 
@@ -32,6 +34,7 @@ struct WalkAids {
     if (limit != limit_) {
       guides.forget();
       memo.forget();
+      unit_memo.forget();
       trail.forget();
       limit_ = limit;
     }
@@ -40,8 +43,8 @@ struct WalkAids {
   }
 
   /// The sequence, half-open range.
-  WalkAids(const char* begin, const char* end, GrowthLimit& limit_of_growth)
-      : growth_limit(limit_of_growth), guides(begin, end), memo(begin), trail(begin, end) {}
+  WalkAids(const char* begin, const char* end, const ExtensionRules& rules, GrowthLimit& limit_of_growth)
+      : growth_limit(limit_of_growth), guides(begin, end, rules), memo(begin), unit_memo(begin), trail(begin, end) {}
 
  private:
   const char* limit_ = nullptr;
@@ -56,6 +59,6 @@ struct GrowthAids {
   /// The sequence, half-open range, its planes and the rules; they must outlive the object.
   GrowthAids(const char* begin, const char* end, const BasePlanes& planes, const ExtensionRules& rules)
       : growth_limit(begin, end, planes, rules),
-        forward(begin, end, growth_limit),
-        backward(begin, end, growth_limit) {}
+        forward(begin, end, rules, growth_limit),
+        backward(begin, end, rules, growth_limit) {}
 };
