@@ -20,8 +20,9 @@ void CAnchorSeq::cover(const Csat& sat, const std::vector<GuidedStretch>& untold
   const std::ptrdiff_t base_0 = first_base - seq_begin + 1;
   const std::size_t named_before = named.size();
   for (const GuidedStretch& stretch : untold) {
+    // A deletion is noted at the base behind the gap, so at either end there may be an event one base further.
     const std::ptrdiff_t from = std::max<std::ptrdiff_t>(first, base_0 + std::min(stretch.begin, stretch.end));
-    const std::ptrdiff_t to = std::min<std::ptrdiff_t>(end, base_0 + std::max(stretch.begin, stretch.end));
+    const std::ptrdiff_t to = std::min<std::ptrdiff_t>(end, base_0 + std::max(stretch.begin, stretch.end) + 1);
     if (from < to) named.push_back({stretch, from, to, {}, settled_at_first});
   }
   const auto new_ones = named.begin() + offset(named_before);
@@ -33,10 +34,6 @@ void CAnchorSeq::cover(const Csat& sat, const std::vector<GuidedStretch>& untold
   }
   clear_bits(told, end);
   for (const Csat::Event& event : sat.missense) free_event(event.first - seq_begin + 1);
-  // A deletion is noted at the base behind the gap: growing to the left that base was taken before.
-  for (const GuidedStretch& stretch : untold) {
-    if (stretch.first_event() >= std::max(stretch.begin, stretch.end)) free_event(base_0 + stretch.first_event());
-  }
   while (named.size() > most_named_stretches) settle_bits(named.front().first, named.front().end);
 }
 

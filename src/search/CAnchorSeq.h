@@ -67,7 +67,7 @@ class CAnchorSeq {
   }
 
   /// Takes the positions of a kept repeat out, then frees those of its events. `untold` are the stretches whose events
-  /// its list does not hold; they lie apart from one another.
+  /// its list does not hold; at least a base that was taken by itself lies between two of them.
   void cover(const Csat& sat, const std::vector<GuidedStretch>& untold = {});
 
  private:

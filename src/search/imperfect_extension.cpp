@@ -126,7 +126,8 @@ class ImperfectWalk {
     StepChoice step;
     if (may_be_shared) step = memo.step_at(front, rest, front.score - bound);
     if (step.kind == '?') {
-      step = ++steps_found > steps_before_unit_memo ? step_by_unit_memo(front) : found_step(front);
+      const bool may_come_again = ++steps_found > steps_before_unit_memo && unit_memo.takes(circle.length());
+      step = may_come_again ? step_by_unit_memo(front) : found_step(front);
       if (may_be_shared) memo.note(front, step, rest);
     }
     if (all_permitted(front)) {

@@ -7,6 +7,7 @@
 namespace {
 
 // A step is a byte: its kind, and the matches behind it; behind `long_run` the bases taken and the matches follow.
+constexpr unsigned kind_shift = 6;
 constexpr std::uint32_t long_run = 63;
 
 std::uint32_t number_at(const std::uint8_t* bytes) {
@@ -57,7 +58,7 @@ std::uint32_t UnitGuide::next_leg(std::uint32_t number) const {
 }
 
 char UnitGuide::take_step(const std::uint8_t*& byte, Point& at) const {
-  const char kind = kind_of(*byte);
+  const char kind = "MID"[*byte >> kind_shift];
   std::uint32_t bases = *byte++ & long_run;
   std::uint32_t matches = bases;
   if (bases == long_run) {

@@ -100,11 +100,6 @@ class UnitGuide {
     }
   }
 
-  /// The position of the event of the first step of a leg.
-  std::uint32_t first_event(std::uint32_t leg) const {
-    return event_position(legs_[leg].begin.position, kind_of(*first_step(leg)));
-  }
-
   /// Bytes of memory that it takes, or nearly so.
   std::size_t size() const;
 
@@ -120,8 +115,6 @@ class UnitGuide {
     mutable std::uint32_t next = unknown;  ///< the leg that begins where it ends, once that has been looked up
   };
 
-  static constexpr unsigned kind_shift = 6;
-  static char kind_of(std::uint8_t byte) { return "MID"[byte >> kind_shift]; }
   std::uint32_t next_leg(std::uint32_t number) const;
   const std::uint8_t* first_step(std::uint32_t number) const { return bytes_.data() + legs_[number].first_byte; }
   /// Takes the step that the byte tells of, and goes to the next byte. Returns its kind.
@@ -156,9 +149,6 @@ struct GuidedStretch {
   std::size_t steps = 0;    ///< from the leg's beginning on
   std::uint32_t begin = 0;  ///< positions of the front, as the guide counts them: before the first step
   std::uint32_t end = 0;    ///< and behind the last step and its run
-
-  /// The position of the first step's event.
-  std::uint32_t first_event() const { return guide->first_event(first_leg); }
 
   /// Calls `visit` with the position of the event and the kind of each step, in their order.
   template <typename Visit>

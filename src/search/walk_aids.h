@@ -44,7 +44,11 @@ struct WalkAids {
 
   /// The sequence, half-open range.
   WalkAids(const char* begin, const char* end, const ExtensionRules& rules, GrowthLimit& limit_of_growth)
-      : growth_limit(limit_of_growth), guides(begin, end, rules), memo(begin), unit_memo(begin), trail(begin, end) {}
+      : growth_limit(limit_of_growth),
+        guides(begin, end, rules),
+        memo(begin),
+        unit_memo(begin, end),
+        trail(begin, end) {}
 
  private:
   const char* limit_ = nullptr;

@@ -18,6 +18,36 @@ TEST_F(ImperfectSearchTest, AnEmptySequenceYieldsNothingHoweverLowTheMinimumScor
   EXPECT_THAT(imperfect(""), IsEmpty());
 }
 
+/// Longer than 1,024 bases, with departures of all kinds, each a seed of its own.
+std::string long_imperfect_repeat() {
+  std::mt19937 random(5);
+  std::string bases;
+  for (std::size_t i = 0; bases.size() < 2500; ++i) {
+    const auto number = random() % 150;
+    if (number == 0) bases += "ACGT"[random() % 4];
+    if (number != 1) bases += number == 2 ? 'T' : "ACGGT"[i % 5];
+  }
+  return bases;
+}
+
+TEST_F(ImperfectSearchTest, OfTheSameLongStretchOnlyTheBestRepeatIsStored) {
+  unit_lengths(2, 12);
+  test::Sequence same(long_imperfect_repeat());
+  CSearchController controller(1, same.mol);
+  controller.complete_imperfect_search();
+  const std::size_t stored = controller.imperfect_sats.sats.size();
+  CSearchController::remove_hidden(controller.imperfect_sats);
+
+  global_remove_mostly_hidden = false;
+  test::Sequence again(long_imperfect_repeat());
+  CSearchController all(1, again.mol);
+  all.complete_imperfect_search();
+  EXPECT_LT(2 * stored, all.imperfect_sats.sats.size());
+  global_remove_mostly_hidden = true;
+  CSearchController::remove_hidden(all.imperfect_sats);
+  EXPECT_EQ(described(same, controller.imperfect_sats.sats), described(again, all.imperfect_sats.sats));
+}
+
 TEST_F(ImperfectSearchTest, FindsARepeatWithAnInsertionOnce) {
   EXPECT_THAT(imperfect("ACACACACACGACACACACAC"), ElementsAre("[0,21) AC score 12 1 ins"));
 }

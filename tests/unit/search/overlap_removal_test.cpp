@@ -1,3 +1,6 @@
+#include <random>
+#include <tuple>
+
 #include "search/search_support.h"
 
 namespace {
@@ -151,6 +154,58 @@ TEST_F(OverlapRemovalTest, RemovedRecordsGoToThePool) {
   const std::size_t before = sat_alloc.size();
   left();
   EXPECT_EQ(sat_alloc.size(), before + 1);
+}
+
+/// Made-up repeats in the order of a search: by unit length, those of one unit length in any order.
+struct MadeUp {
+  std::ptrdiff_t begin;
+  std::ptrdiff_t end;
+  std::ptrdiff_t unit_length;
+  std::int64_t score;
+
+  auto stretch() const { return std::make_tuple(unit_length, begin, end); }
+};
+
+std::vector<MadeUp> made_up_repeats(std::mt19937& random) {
+  std::vector<MadeUp> repeats;
+  for (std::ptrdiff_t unit = 2; unit < 9; unit += 1 + static_cast<std::ptrdiff_t>(random() % 3)) {
+    for (unsigned i = random() % 8; i > 0; --i) {
+      const auto begin = static_cast<std::ptrdiff_t>(random() % 6);
+      repeats.push_back({begin, begin + 10 + static_cast<std::ptrdiff_t>(random() % 8), unit,
+                         static_cast<std::int64_t>(random() % 6)});
+    }
+  }
+  return repeats;
+}
+
+/// The best of those with the same unit length and the same stretch, the first of several, where it stood.
+std::vector<MadeUp> best_ones(const std::vector<MadeUp>& repeats) {
+  std::vector<MadeUp> best;
+  for (std::size_t i = 0; i < repeats.size(); ++i) {
+    bool is_best = true;
+    for (std::size_t j = 0; j < repeats.size(); ++j) {
+      if (j == i || repeats[j].stretch() != repeats[i].stretch()) continue;
+      is_best = is_best && (repeats[j].score < repeats[i].score || (repeats[j].score == repeats[i].score && i < j));
+    }
+    if (is_best) best.push_back(repeats[i]);
+  }
+  return best;
+}
+
+TEST_F(OverlapRemovalTest, OfTheSameStretchInTheSameUnitLengthOnlyTheBestDecides) {
+  std::mt19937 random(3);
+  const auto left_of = [this](const std::vector<MadeUp>& repeats) {
+    sat_alloc.give_back_all(container.sats);
+    for (const MadeUp& repeat : repeats) add(repeat.begin, repeat.end, repeat.unit_length, repeat.score);
+    sort_sats(container.sats);
+    return left();
+  };
+  for (int round = 0; round < 20000; ++round) {
+    const std::vector<MadeUp> repeats = made_up_repeats(random);
+    const std::vector<MadeUp> best = best_ones(repeats);
+    if (best.size() == repeats.size()) continue;
+    ASSERT_EQ(left_of(best), left_of(repeats)) << "round " << round;
+  }
 }
 
 }  // namespace
