@@ -149,7 +149,7 @@ class NamedStretchTest : public testing::Test {
     Repeat repeat;
     const auto seed = static_cast<std::ptrdiff_t>(8000 + random() % 4000);
     repeat.sat.seed(sequence.at(seed), sequence.at(seed + 12));
-    for (const std::ptrdiff_t at : {0, 3, 11}) repeat.sat.missense.push_back({sequence.at(seed + at), 'M'});
+    for (const std::ptrdiff_t at : {3, 7, 11}) repeat.sat.missense.push_back({sequence.at(seed + at), 'M'});
     if (random() % 4 != 0) add_stretch(repeat, true, static_cast<std::uint32_t>(seed) + 12);
     if (random() % 4 != 0) add_stretch(repeat, false, static_cast<std::uint32_t>(seed));
     // The step behind a stretch may be noted where it ends.
