@@ -106,6 +106,7 @@ class Block {
   /// those.
   void mark(std::int64_t first_word) {
     first_word_ = first_word;
+    meets_unknown_ = meets_unknown();
     for (std::size_t kind = 0; kind < matches_.size(); ++kind) {
       if (kind > 0 && task_.forward_steps[kind].demands.empty()) continue;
       const std::int64_t lag = kind == 0 ? task_.unit_length : task_.forward_steps[kind].kind.lag;
@@ -194,6 +195,14 @@ class Block {
     for (std::size_t i = begin; i < end; ++i) survivors_[i] &= ~matches_[0][i];
   }
 
+  /// Whether an N, or what lies outside the sequence, may end a run in the block.
+  bool meets_unknown() {
+    const std::int64_t first = 64 * (first_word_ - 1) - task_.unit_length;
+    if (first < 0) return true;
+    if (next_unknown_ < first) next_unknown_ = task_.planes.first_unknown(first);
+    return next_unknown_ < 64 * (first_word_ + static_cast<std::int64_t>(words) + 1);
+  }
+
   /// Adds the stops at which an N ends a run: what lies behind it is left to the extension. Only an N next to another
   /// base ends a run of admissible seeds.
   template <bool forward>
@@ -207,9 +216,13 @@ class Block {
 
   /// Adds the first positions of every stretch of `run_cap` matches.
   void add_long_runs() {
-    Bits runs;
-    and_shifted<true>(runs, all_ones, matches_[0], 0);
-    for (std::int64_t i = 1; i < task_.run_cap; ++i) and_shifted<true>(runs, runs, matches_[0], i);
+    Bits runs = matches_[0];  // as many matches as `length`, from the position on
+    for (std::int64_t length = 1; length < task_.run_cap;) {
+      const std::int64_t more = std::min(length, task_.run_cap - length);
+      // Of the word behind the block its first half is needed.
+      for (std::size_t i = begin; i + 1 < padded; ++i) runs[i] &= ahead(runs, i, static_cast<unsigned>(more));
+      length += more;
+    }
     for (std::size_t i = begin; i < end; ++i) seeds_[i] |= runs[i];
   }
 
@@ -247,9 +260,10 @@ class Block {
   /// Adds the seeds whose run ends at a survivor.
   template <bool forward>
   void add_runs_of_survivors() {
+    if (task_.rules.maximum_depth == 0 && !meets_unknown_) return;
     survivors_.fill(0);
     if (task_.rules.maximum_depth > 0) find_survivors<forward>();
-    add_stops_at_unknown<forward>();
+    if (meets_unknown_) add_stops_at_unknown<forward>();
     // The stop before a run is one position before the seed of its first match.
     const Bits& stops = survivors_;
     for (std::size_t i = 1; i + 1 < padded; ++i) seeds_[i] |= forward ? stops[i] : behind(stops, i, 1);
@@ -259,6 +273,8 @@ class Block {
   const std::int64_t size_;
   std::vector<std::uint64_t>& candidates_;
   std::int64_t first_word_ = 0;
+  bool meets_unknown_ = true;
+  std::int64_t next_unknown_ = 0;       ///< the first N at or after some base before the block
   std::array<Bits, 3> matches_;         ///< at the lag of each kind of step; the first is the unit length
   std::array<Bits, longest_run> runs_;  ///< [i]: at least i matches lead up to the position
   Bits survivors_;                      ///< stops whose runs are candidates
