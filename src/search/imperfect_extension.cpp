@@ -352,7 +352,7 @@ class ImperfectWalk {
   }
 
   /// Walks that are over by then would write much into the memo that nobody asks for.
-  static constexpr std::int64_t steps_before_unit_memo = 4;
+  static constexpr std::int64_t steps_before_unit_memo = 12;
   /// The question costs as much as a step or two.
   static constexpr std::int64_t bases_between_checks = 32;
   static constexpr std::size_t longest_told_stretch = 64;
