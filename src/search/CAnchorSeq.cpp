@@ -12,11 +12,6 @@ void CAnchorSeq::cover(const Csat& sat, const std::vector<GuidedStretch>& untold
   const std::ptrdiff_t first = std::max<std::ptrdiff_t>(0, sat.pos_left - seq_begin + 1);
   const std::ptrdiff_t end = std::min<std::ptrdiff_t>(bits(), sat.pos_right_end - seq_begin + 1);
   if (!named.empty()) forget_named(first, end);
-  if (untold.empty()) {
-    clear_bits(first, end);
-    for (const Csat::Event& event : sat.missense) free(event.first - seq_begin + 1);
-    return;
-  }
   const std::ptrdiff_t base_0 = first_base - seq_begin + 1;
   const std::size_t named_before = named.size();
   for (const GuidedStretch& stretch : untold) {
@@ -37,7 +32,7 @@ void CAnchorSeq::cover(const Csat& sat, const std::vector<GuidedStretch>& untold
   while (named.size() > most_named_stretches) settle_bits(named.front().first, named.front().end);
 }
 
-/// An event of the repeat covered last.
+/// The position of an event of the repeat covered last.
 void CAnchorSeq::free_event(std::ptrdiff_t bit) {
   for (NamedStretch& stretch : named) {
     if (bit < stretch.first || bit >= stretch.end) continue;

@@ -31,10 +31,11 @@ class CAnchorSeq {
     named.clear();
   }
 
-  /// To be called before positions of [first, end) are asked for, if something was covered before. The range may exceed
-  /// the sequence.
-  void settle(const char* first, const char* end) {
-    if (!named.empty()) settle_bits(first - seq_begin + 1, end - seq_begin + 1);
+  /// To be called before the `count` positions from `first` on are asked for, if something was covered before. They may
+  /// exceed the sequence.
+  void settle(const char* first, std::ptrdiff_t count) {
+    const std::ptrdiff_t bit = first - seq_begin + 1;
+    if (!named.empty()) settle_bits(bit, bit + count);
   }
 
   /// Whether the window [p, p + unit_length) may be tried as a seed, which must end before the sequence's last base:

@@ -29,7 +29,7 @@ void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_
     __builtin_prefetch(first + 1024);  // the seeds lie here and there
     while (next_seed < first + 64) {
       if (next_seed > first) bits &= ~std::uint64_t{0} << (next_seed - first);
-      anchors.settle(first - 1, first + unit_length + 65);
+      anchors.settle(first - 1, unit_length + 66);
       const std::uint64_t rest = bits & anchors.admitted(first, unit_length);
       if (rest == 0) return;
       next_seed = try_seed(first + __builtin_ctzll(rest));

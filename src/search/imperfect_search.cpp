@@ -50,9 +50,8 @@ class ImperfectPass {
     const std::size_t parts = (set.words() + part_words_ - 1) / part_words_;
     for (std::size_t first = 0; first < parts; first += at_once) {
       // The parts are copied from several threads.
-      const char* const begin = controller_.seq.begin() + 64 * first * part_words_;
-      const auto bases = static_cast<std::ptrdiff_t>(64 * at_once * part_words_) + unit_length_ + 256;
-      anchors_.settle(begin - 1, begin + std::min(bases, controller_.seq.end() + 1 - begin));
+      const auto bases = static_cast<std::ptrdiff_t>(64 * at_once * part_words_);
+      anchors_.settle(controller_.seq.begin() + 64 * first * part_words_ - 1, bases + unit_length_ + 256);
       std::vector<Part> tried(std::min(at_once, parts - first));
       controller_.workers.run(tried.size(), [&](std::size_t number, unsigned worker) {
         tried[number] = try_ahead(set, (first + number) * part_words_, worker);
@@ -150,7 +149,7 @@ class ImperfectPass {
     const char* failed_end = begin;
     OwnedSat spare;
     for_each_seed(set, first_word, [&](const char* p) {
-      anchors.settle(p - 1, p + unit_length_ + 1);
+      anchors.settle(p - 1, unit_length_ + 2);
       if (p >= failed_end && (!anchors.admits(p, unit_length_) || !is_unit(p, next_N))) return;
       part.tried[static_cast<std::size_t>((p - begin) / 64)] |= std::uint64_t{1} << ((p - begin) % 64);
       if (p < failed_end) return;
@@ -168,7 +167,7 @@ class ImperfectPass {
     auto next_kept = part.kept.begin();
     for_each_seed(set, first_word, [&](const char* p) {
       const auto at = static_cast<std::size_t>(p - begin);
-      anchors_.settle(p - 1, p + unit_length_ + 1);
+      anchors_.settle(p - 1, unit_length_ + 2);
       if ((part.tried[at / 64] >> (at % 64) & 1) == 0) {
         if (p >= failed_end_ && anchors_.admits(p, unit_length_)) failed_end_ = try_seed(p);
         return;

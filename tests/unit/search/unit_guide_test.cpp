@@ -171,7 +171,7 @@ class NamedStretchTest : public testing::Test {
   }
 
   void expect_same(CAnchorSeq& named, const CAnchorSeq& all, std::ptrdiff_t first, std::ptrdiff_t end) const {
-    named.settle(sequence.at(first), sequence.at(end));
+    named.settle(sequence.at(first), end - first);
     for (std::ptrdiff_t at = first; at < end; ++at) {
       ASSERT_EQ(named.is_free(sequence.at(at)), all.is_free(sequence.at(at))) << at;
     }
