@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -30,6 +31,7 @@ class WalkGuides {
       : first_base_(begin),
         rules_(rules),
         most_bytes_((std::size_t{10} << 20) + static_cast<std::size_t>(end - begin) / 2),
+        bases_between_lines_(std::max<std::int64_t>(512, (end - begin) / 2048)),
         is_usable_(end - begin <= longest_sequence) {}
 
   /// Lets go of all guides.
@@ -51,7 +53,7 @@ class WalkGuides {
   /// they crossed a line. Walks that meet have the same checkpoints from there on.
   bool is_checkpoint(const Front<forward>& front, std::int64_t bases) const {
     const std::int64_t position = front.position - first_base_;
-    return position / bases_between_lines != (forward ? position - bases : position + bases) / bases_between_lines;
+    return position / bases_between_lines_ != (forward ? position - bases : position + bases) / bases_between_lines_;
   }
 
   /// How a walk goes on from a checkpoint at which everything is permitted, up to where it has gained `too_little` or
@@ -97,7 +99,6 @@ class WalkGuides {
   static constexpr char no_step = '-';
 
   static constexpr std::ptrdiff_t longest_sequence = std::ptrdiff_t{1} << 30;
-  static constexpr std::int64_t bases_between_lines = 512;
 
   UnitGuide::Place place_of(const Front<forward>& front) const {
     return {static_cast<std::uint32_t>(front.position - first_base_),
@@ -140,6 +141,7 @@ class WalkGuides {
   const char* const first_base_;
   const ExtensionRules rules_;
   const std::size_t most_bytes_;
+  const std::int64_t bases_between_lines_;
   const bool is_usable_;
   std::unordered_map<std::string, std::shared_ptr<UnitGuide>> guides_;  ///< by the texts of their units
   std::size_t bytes_ = 0;                                               ///< of all guides
