@@ -116,9 +116,9 @@ class ImperfectPass {
     add(std::move(kept.sat));
   }
 
-  /// To the result. In a satellite array nearly as many repeats as it has bases may be the same stretch. Of those of
-  /// one unit length the overlap removal would leave the one of the highest score, the first of several, and the others
-  /// decide on no repeat that this one does not decide on. So they need not be stored.
+  /// To the result. In a satellite array nearly as many repeats as it has bases may be the same stretch. Those of one
+  /// unit length stand one behind the other in the sorted list and overlap with any other repeat alike; so whatever the
+  /// overlap removal decides, it decides by the one of the highest score, the first of several. Only that is stored.
   void add(OwnedSat sat) {
     found_.push_back(sat.get());
     const Csat& added = *sat.release();

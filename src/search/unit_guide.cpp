@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 namespace {
 
@@ -18,9 +17,8 @@ std::uint32_t number_at(const std::uint8_t* bytes) {
 
 }  // namespace
 
-UnitGuide::UnitGuide(std::string unit, bool forward, const ExtensionRules& rules)
-    : unit_(std::move(unit)),
-      forward_(forward),
+UnitGuide::UnitGuide(bool forward, const ExtensionRules& rules)
+    : forward_(forward),
       mismatch_score_(static_cast<std::int32_t>(rules.mismatch_score)),
       indel_score_(static_cast<std::int32_t>(rules.indel_score)),
       leg_() {}
@@ -82,7 +80,7 @@ UnitGuide::Way UnitGuide::follow(std::uint32_t first_leg, std::int64_t too_littl
   Point highest_from;
   for (std::uint32_t number = first_leg; number != unknown; number = next_leg(number)) {
     const Leg& leg = legs_[number];
-    if (at.gain + leg.lowest <= too_little) {
+    if (std::int64_t{at.gain} + leg.lowest <= too_little) {
       way.last_phase = unknown;
       const std::uint8_t* byte = first_step(number);
       do {
@@ -165,6 +163,5 @@ bool UnitGuide::touches(const Leg& leg, std::uint32_t first, std::uint32_t end) 
 }
 
 std::size_t UnitGuide::size() const {
-  return sizeof *this + unit_.capacity() + legs_.capacity() * sizeof(Leg) + bytes_.capacity() +
-         index_.capacity() * sizeof(std::uint32_t);
+  return sizeof *this + legs_.capacity() * sizeof(Leg) + bytes_.capacity() + index_.capacity() * sizeof(std::uint32_t);
 }

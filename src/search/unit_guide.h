@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "search/front.h"
@@ -57,10 +56,7 @@ class UnitGuide {
 
   static constexpr std::uint32_t unknown = UINT32_MAX;
 
-  /// `unit` is the text of its class.
-  UnitGuide(std::string unit, bool forward, const ExtensionRules& rules);
-
-  const std::string& unit() const { return unit_; }
+  UnitGuide(bool forward, const ExtensionRules& rules);
 
   /// The number of the leg that begins there, or `unknown`.
   std::uint32_t leg_at(const Place& place) const;
@@ -131,7 +127,6 @@ class UnitGuide {
   std::size_t slot_of(const Place& place) const;
   void enlarge_index();
 
-  std::string unit_;
   bool forward_;
   std::int32_t mismatch_score_;
   std::int32_t indel_score_;

@@ -118,13 +118,16 @@ class WalkGuides {
   void find_guide() {
     unit_.emplace(circle_);
     std::shared_ptr<UnitGuide>& guide = guides_[unit_->text()];
-    if (!guide) guide = std::make_shared<UnitGuide>(unit_->text(), forward, rules_);
+    if (!guide) {
+      guide = std::make_shared<UnitGuide>(forward, rules_);
+      bytes_ += guide->size();
+    }
     guide_ = guide;
     bytes_of_guide_ = guide_->size();
   }
 
-  /// Units come again and again in turn where there are many: to let go of the one used last would let go of the next
-  /// one that is needed. So any will do.
+  /// Lets go of guides that are too many. Units come again and again in turn where there are many: to let go of the one
+  /// used last would let go of the next one that is needed. So any will do.
   void count_bytes() {
     bytes_ += guide_->size() - bytes_of_guide_;
     bytes_of_guide_ = guide_->size();
@@ -134,8 +137,11 @@ class WalkGuides {
       const auto other = guides_.begin(bucket);
       if (other->second == guide_) continue;
       bytes_ -= other->second->size();
-      guides_.erase(other->first);
+      guides_.erase(std::string(other->first));
     }
+    if (bytes_ <= most_bytes_) return;
+    forget();
+    find_guide();
   }
 
   const char* const first_base_;

@@ -36,7 +36,7 @@ struct OneWay {
   UnitGuide::Place begin;
 
   OneWay(std::mt19937& random, bool forward, std::uint32_t position, std::size_t legs)
-      : guide("ACGT", forward, rules), begin{position, 1} {
+      : guide(forward, rules), begin{position, 1} {
     std::uint32_t phase = begin.phase;
     for (std::size_t leg = 0; leg < legs; ++leg) {
       guide.begin_leg({position, phase});
