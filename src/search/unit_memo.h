@@ -65,7 +65,7 @@ class UnitMemo {
 
   static constexpr std::int64_t longest_unit = 64;
   static constexpr std::ptrdiff_t longest_sequence = std::ptrdiff_t{1} << 32;
-  static constexpr int slot_bits = 16;
+  static constexpr int slot_bits = 15;
   static constexpr std::size_t slots = std::size_t{1} << slot_bits;
 
   static std::size_t slot_of(const Place& place) {
