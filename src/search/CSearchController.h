@@ -187,6 +187,11 @@ class CSearchController {
 
   void prepare_candidates(std::int64_t unit_length);
 
+  /// Whether the sequence is so long that the memory matters that the aids of walks take.
+  bool is_long() const;
+  /// Gives the memory that the walks so far have left to later ones back.
+  void let_go_of_walks();
+
   /// The seeds of this unit length that may reach the active minimum score with at most `depth` steps of lookahead.
   CandidateSet find_candidates(std::int64_t unit_length, std::int64_t depth);
   /// Calls `try_seed` with the start of each of them that the anchors admit by then, in ascending order, and lets the

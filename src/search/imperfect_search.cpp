@@ -193,6 +193,17 @@ class ImperfectPass {
   std::map<std::pair<const char*, const char*>, std::list<Csat*>::iterator> long_repeats_;
 };
 
+namespace {
+
+/// To the system.
+void return_free_memory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
+
+}  // namespace
+
 void CSearchController::complete_imperfect_search() {
   CAnchorSeq anchors(seq.begin(), seq.sequence.length);
   std::int64_t first = global_min_unit_length;
@@ -206,6 +217,8 @@ void CSearchController::complete_imperfect_search() {
     prepare_candidates(length);
     one_unit_len_complete_imperfect_search(length, anchors, imperfect_sats.sats);
   }
+  // The report of a long repeat takes memory of its own.
+  if (is_long()) let_go_of_walks();
   sort_sats(imperfect_sats.sats);
 }
 
@@ -224,16 +237,14 @@ void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit
   }
 }
 
-namespace {
-
-/// To the system.
-void return_free_memory() {
-#ifdef __GLIBC__
-  malloc_trim(0);
-#endif
+bool CSearchController::is_long() const {
+  return seq.end() - seq.begin() >= 1 << 18;
 }
 
-}  // namespace
+void CSearchController::let_go_of_walks() {
+  for (std::unique_ptr<GrowthAids>& aids : growth_aids) aids.reset();
+  return_free_memory();
+}
 
 /// The lag filter decides a range of unit lengths at a time; a unit length outside the present range begins the next
 /// one.
@@ -251,11 +262,10 @@ void CSearchController::prepare_candidates(std::int64_t unit_length) {
   if (last_useful < unit_length) return;
   // Where units are long the working space of the filter should not stand beside what the walks have left, which is of
   // no use for longer units. Otherwise it would take longer to ask for the memory again.
-  const bool takes_much_memory = unit_length >= 256 && seq.end() - seq.begin() >= 1 << 18;
+  const bool takes_much_memory = unit_length >= 256 && is_long();
   if (takes_much_memory) {
-    for (std::unique_ptr<GrowthAids>& aids : growth_aids) aids.reset();
     lag_candidates.clear();
-    return_free_memory();
+    let_go_of_walks();
   }
   // Nearly all of the work on these unit lengths is done here.
   const auto units = static_cast<double>(last_useful - unit_length + 1);

@@ -15,6 +15,13 @@ std::uint32_t number_at(const std::uint8_t* bytes) {
   return number;
 }
 
+/// Room for some more. Doubling would leave a third of the memory unused that guides may take.
+template <typename Value>
+void make_room(std::vector<Value>& values, std::size_t more) {
+  const std::size_t needed = values.size() + more;
+  if (needed > values.capacity()) values.reserve(needed + needed / 8);
+}
+
 }  // namespace
 
 UnitGuide::UnitGuide(bool forward, const ExtensionRules& rules)
@@ -127,6 +134,7 @@ void UnitGuide::begin_leg(const Place& place) {
 void UnitGuide::add_step(char kind, std::uint32_t bases, std::uint32_t matches) {
   const unsigned number = kind == 'M' ? 0 : kind == 'I' ? 1 : 2;
   const bool is_short = bases == matches && bases < long_run;
+  make_room(bytes_, 1 + 2 * sizeof bases);
   bytes_.push_back(static_cast<std::uint8_t>(number << kind_shift | (is_short ? bases : long_run)));
   if (!is_short) {
     std::uint8_t numbers[2 * sizeof bases];
@@ -143,8 +151,9 @@ void UnitGuide::add_step(char kind, std::uint32_t bases, std::uint32_t matches) 
 void UnitGuide::end_leg(const Place& place) {
   is_in_leg_ = false;
   leg_.end = place;
+  make_room(legs_, 1);
   legs_.push_back(leg_);
-  if (2 * legs_.size() > index_.size()) {
+  if (4 * legs_.size() > 3 * index_.size()) {
     enlarge_index();
   } else {
     index_[slot_of(leg_.begin)] = static_cast<std::uint32_t>(legs_.size());
