@@ -4,17 +4,17 @@
 #include <cstdint>
 #include <vector>
 
-#include "search/first_step_scores.h"
 #include "search/front.h"
+#include "search/lookahead_way.h"
 
 /// The states to which equally many steps of a lookahead lead, each once. Two states are one if position and unit base
-/// are; the scores of the fronts themselves do not matter.
+/// are; the scores of the fronts do not matter.
 template <bool forward>
 class FrontSet {
  public:
   struct Node {
     Front<forward> front;
-    FirstStepScores scores;
+    LookaheadWay way;
   };
 
   std::vector<Node>& nodes() { return nodes_; }
@@ -26,19 +26,20 @@ class FrontSet {
     generation_ = 1;
   }
 
-  /// Of two ways into one state the higher-scoring one is enough.
-  void add(const Front<forward>& front, const FirstStepScores& scores) {
-    FirstStepScores* const others = insert(front, scores);
-    if (others != nullptr) others->raise_to(scores);
+  /// Of two ways into one state the better one is enough.
+  void add(const Front<forward>& front, const LookaheadWay& way) {
+    LookaheadWay* const other = insert(front, way);
+    if (other != nullptr) other->raise_to(way);
   }
 
-  /// Notes the ways that have stopped at a state, those of fewer steps first, and forgets those that can do nothing
-  /// better than others there.
-  void note_stop(const Front<forward>& front, FirstStepScores& scores) {
-    FirstStepScores* const others = insert(front, scores);
-    if (others == nullptr) return;
-    scores.drop_what_is_beaten_by(*others);
-    others->raise_to(scores);
+  /// Notes a way that has stopped at a state, those of fewer steps first. False if one beats it that has stopped there
+  /// before.
+  bool note_stop(const Front<forward>& front, const LookaheadWay& way) {
+    LookaheadWay* const other = insert(front, way);
+    if (other == nullptr) return true;
+    if (other->beats(way)) return false;
+    *other = way;
+    return true;
   }
 
  private:
@@ -47,13 +48,13 @@ class FrontSet {
     std::uint32_t node = 0;
   };
 
-  /// The scores of the state if it is there already, else null: it is there from now on, with these.
-  FirstStepScores* insert(const Front<forward>& front, const FirstStepScores& scores) {
+  /// The way to the state if it is there already, else null: it is there from now on, with this one.
+  LookaheadWay* insert(const Front<forward>& front, const LookaheadWay& way) {
     if (2 * (nodes_.size() + 1) > slots_.size()) grow();
     Slot& slot = slot_of(front);
-    if (slot.generation == generation_) return &nodes_[slot.node].scores;
+    if (slot.generation == generation_) return &nodes_[slot.node].way;
     slot = {generation_, static_cast<std::uint32_t>(nodes_.size())};
-    nodes_.push_back({front, scores});
+    nodes_.push_back({front, way});
     return nullptr;
   }
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "search/CSearchController.h"
-#include "search/first_step_scores.h"
 #include "search/front_set.h"
+#include "search/lookahead_way.h"
 #include "search/lookahead_window.h"
 #include "search/spare_height.h"
 #include "search/step_choice.h"
@@ -35,7 +35,7 @@ class ImperfectWalk {
         aids(walk_aids),
         guides(walk_aids.guides),
         memo(walk_aids.memo),
-        unit_memo(walk_aids.unit_memo),
+        view_memo(walk_aids.view_memo),
         trail(walk_aids.trail),
         level(walk_aids.level),
         next_level(walk_aids.next_level),
@@ -66,13 +66,14 @@ class ImperfectWalk {
         if (!may_get_above(best.front.score, state.front)) break;
         checked = state.front.position;
       }
-      const StepChoice step = next_step(state.front);
+      UnitRuns::View view;
+      const StepChoice step = next_step(state.front, view);
       if (step.kind == '-') break;
       if (is_on_trail) trail.note(state.front, step);
       note_lowest_height(state.front.score - bound, step.lowest);
       commit(step.kind, state);
       const char* const run_begin = state.front.position;
-      way_is_free = runs.extend_exact(state.front, limit, rules);
+      way_is_free = take_run(view, step.kind, state.front);
       is_at_checkpoint = guides.is_checkpoint(state.front, std::abs(state.front.position - run_begin));
       if (take_if_best(state, best)) way_is_free = way_is_free && may_get_above(state.front.score, state.front);
     }
@@ -119,17 +120,10 @@ class ImperfectWalk {
     return front.score + rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score) > bound;
   }
 
-  StepChoice next_step(const FrontState& front) {
+  /// `view` may be looked at for it.
+  StepChoice next_step(const FrontState& front, UnitRuns::View& view) {
     if (front.score + std::max(rules.mismatch_score, rules.indel_score) <= bound) return StepChoice::none();
-    const std::int64_t rest = unit_bases_ahead(front);
-    const bool may_be_shared = rest >= window.fewest_unit_bases_seen();
-    StepChoice step;
-    if (may_be_shared) step = memo.step_at(front, rest, front.score - bound);
-    if (step.kind == '?') {
-      const bool may_come_again = ++steps_found > steps_before_unit_memo && unit_memo.takes(circle.length());
-      step = may_come_again ? step_by_unit_memo(front) : found_step(front);
-      if (may_be_shared) memo.note(front, step, rest);
-    }
+    const StepChoice step = step_by_memo(front, view);
     if (all_permitted(front)) {
       guides.note(front, step.kind);
     } else {
@@ -138,18 +132,73 @@ class ImperfectWalk {
     return step;
   }
 
+  StepChoice step_by_memo(const FrontState& front, UnitRuns::View& view) {
+    const std::int64_t rest = unit_bases_ahead(front);
+    if (rest < window.fewest_unit_bases_seen()) return step_by_view(front, view);
+    StepChoice step = memo.step_at(front, rest, front.score - bound);
+    if (step.kind != '?') return step;
+    step = step_by_view(front, view);
+    memo.note(front, step, rest);
+    return step;
+  }
+
+  StepChoice step_by_view(const FrontState& front, UnitRuns::View& view) {
+    if (++steps_without_memo <= steps_before_view_memo && !view_memo.pays()) return found_step(front);
+    runs.look(front, limit, view);
+    const std::int64_t room = UnitRuns::room(front, limit);
+    if (room < UnitRuns::width) return step_at_end(front, view, room);
+    if (!view.is_whole) return found_step(front);
+    const std::int64_t height = front.score - bound;
+    const NearView<forward> near(view);
+    StepChoice step = view_memo.near.step_at(near, height);
+    if (step.kind == '?') {
+      const FarView<forward> far(view, runs.bases_behind_view(front));
+      step = view_memo.far.step_at(far, height);
+      if (step.kind == '?') {
+        view_memo.count(false);
+        return noted_step(front, near, far);
+      }
+    }
+    view_memo.count(true);
+    return step;
+  }
+
+  StepChoice noted_step(const FrontState& front, const NearView<forward>& near, const FarView<forward>& far) {
+    const StepChoice step = found_step(front);
+    if (near.tells(step)) {
+      view_memo.near.note(near, step);
+    } else {
+      view_memo.far.note(far, step);
+    }
+    return step;
+  }
+
+  StepChoice step_at_end(const FrontState& front, const UnitRuns::View& view, std::int64_t room) {
+    const FarView<forward> far(static_cast<std::uint64_t>(room), view, runs.bases_behind_view(front));
+    StepChoice step = view_memo.at_end.step_at(far, front.score - bound);
+    if (step.kind != '?') return step;
+    step = found_step(front);
+    step.unit_bases_seen = std::min(step.unit_bases_seen, room + rules.maximum_depth);
+    view_memo.at_end.note(far, step);
+    return step;
+  }
+
   StepChoice found_step(const FrontState& front) {
     const StepChoice step = window.choose(front, limit);
     return step.kind == '?' ? deep_step(front) : step;
   }
 
-  StepChoice step_by_unit_memo(const FrontState& front) {
-    const auto place = unit_memo.place_of(front, runs, circle.length());
-    StepChoice step = unit_memo.step_at(place, front.score - bound);
-    if (step.kind != '?') return step;
-    step = found_step(front);
-    unit_memo.note(place, step);
-    return step;
+  /// Of matches, behind a step. False if a run of N blocks the way.
+  bool take_run(const UnitRuns::View& view, char kind, FrontState& front) const {
+    if (view.is_whole) {
+      const std::int64_t matches = UnitRuns::matches_behind<forward>(kind, view);
+      if (matches < UnitRuns::most_seen) {
+        runs.advance(front, matches);
+        front.score += matches;
+        return true;
+      }
+    }
+    return runs.extend_exact(front, limit, rules);
   }
 
   /// To be called for each step before it is taken.
@@ -281,40 +330,34 @@ class ImperfectWalk {
     FirstSteps first(front.score, rules, circle);
     level.clear();
     stops.clear();
-    if (first.mismatch_permitted) level.add(after_mismatch(front), first.scores.only_mismatch());
+    if (first.mismatch_permitted) level.add(after_mismatch(front), first.mismatch);
     if (first.indel_permitted) {
-      level.add(after_insertion(front), first.scores.only_insertion());
-      level.add(after_deletion(front), first.scores.only_deletion());
+      level.add(after_insertion(front), first.insertion);
+      level.add(after_deletion(front), first.deletion);
     }
     for (std::int64_t depth = 1; !level.nodes().empty(); ++depth) {
       next_level.clear();
-      for (auto& [state, scores] : level.nodes()) {
+      for (auto& [state, way] : level.nodes()) {
         const std::int64_t score = state.score;
         const bool way_is_free = runs.extend_exact(state, limit, rules);
-        scores.add_matches(state.score - score);
-        first.scores.raise_to(scores);
+        way.score += state.score - score;
+        first.best.raise_to(way);
         if (!way_is_free || depth == rules.maximum_depth || state.position == limit) continue;
-        stops.note_stop(state, scores);
-        if (!scores.is_lost()) add_steps(state, scores, first);
+        if (stops.note_stop(state, way)) add_steps(state, way, first);
       }
-      if (is_settled(next_level.nodes(), first)) break;
+      if (first.is_settled(next_level.nodes())) break;
       std::swap(level, next_level);
     }
     return first.choice(StepChoice::whole_unit);
   }
 
-  /// Whether only ways that begin with the step that is best so far go on.
-  template <typename Nodes>
-  static bool is_settled(const Nodes& nodes, const FirstSteps& first) {
-    const std::size_t best = first.scores.best();
-    return std::all_of(nodes.begin(), nodes.end(), [best](const auto& node) { return node.scores.is_only(best); });
-  }
-
-  void add_steps(const FrontState& state, const FirstStepScores& scores, FirstSteps& first) {
-    const FirstStepScores mismatched = scores.after(rules.mismatch_score, bound, first.missing);
-    if (!mismatched.is_lost()) next_level.add(after_mismatch(state), mismatched);
-    const FirstStepScores shifted = scores.after(rules.indel_score, bound, first.missing);
-    if (shifted.is_lost()) return;
+  void add_steps(const FrontState& state, const LookaheadWay& way, FirstSteps& first) {
+    LookaheadWay mismatched = way;
+    if (mismatched.take_step(rules.mismatch_score, bound, first.missing)) {
+      next_level.add(after_mismatch(state), mismatched);
+    }
+    LookaheadWay shifted = way;
+    if (!shifted.take_step(rules.indel_score, bound, first.missing)) return;
     next_level.add(after_insertion(state), shifted);
     next_level.add(after_deletion(state), shifted);
   }
@@ -352,7 +395,7 @@ class ImperfectWalk {
   }
 
   /// Walks that are over by then would write much into the memo that nobody asks for.
-  static constexpr std::int64_t steps_before_unit_memo = 12;
+  static constexpr std::int64_t steps_before_view_memo = 12;
   /// The question costs as much as a step or two.
   static constexpr std::int64_t bases_between_checks = 32;
   static constexpr std::size_t longest_told_stretch = 64;
@@ -372,13 +415,13 @@ class ImperfectWalk {
   WalkAids<forward>& aids;
   WalkGuides<forward>& guides;
   StepMemo<forward>& memo;
-  UnitMemo<forward>& unit_memo;
+  ViewMemo<forward>& view_memo;
   WalkTrail<forward>& trail;
   FrontSet<forward>& level;
   FrontSet<forward>& next_level;
   FrontSet<forward>& stops;
   std::vector<GuidedStretch>* const stretches;
-  std::int64_t steps_found = 0;  ///< that the first memo does not know
+  std::int64_t steps_without_memo = 0;  ///< that the memo of positions does not know
   SpareHeight spare;
 };
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <iterator>
 
-#include "search/first_step_scores.h"
+#include "search/lookahead_way.h"
 
 /// Working space of the lookahead, to be shared by the windows of one thread: too large to be cleared for each walk.
 class LookaheadSpace {
@@ -21,7 +21,7 @@ class LookaheadSpace {
 
   struct Node {
     Place place;
-    FirstStepScores scores;
+    LookaheadWay way;
   };
 
   /// The places to which equally many steps lead, each once.
@@ -29,6 +29,9 @@ class LookaheadSpace {
     static constexpr std::size_t most_nodes = 256;
     Node nodes[most_nodes];
     std::size_t size = 0;
+
+    const Node* begin() const { return nodes; }
+    const Node* end() const { return nodes + size; }
   };
 
   /// Empties the level, the one that is filled from now on.
@@ -40,17 +43,17 @@ class LookaheadSpace {
     level_number_ = 1;
   }
 
-  /// Adds a place to the level begun last. Of two ways into one place the higher-scoring one is enough. False if the
-  /// level is full.
-  bool push(const Place& place, const FirstStepScores& scores, Level& level) {
+  /// Adds a place to the level begun last. Of two ways into one place the better one is enough. False if the level is
+  /// full.
+  bool push(const Place& place, const LookaheadWay& way, Level& level) {
     std::uint32_t& entry = nodes_at_[static_cast<std::size_t>(place.position * drifts + place.drift + most_drift)];
     if (entry >> index_bits == level_number_) {
-      level.nodes[entry & (Level::most_nodes - 1)].scores.raise_to(scores);
+      level.nodes[entry & (Level::most_nodes - 1)].way.raise_to(way);
       return true;
     }
     if (level.size == Level::most_nodes) return false;
     entry = level_number_ << index_bits | static_cast<std::uint32_t>(level.size);
-    level.nodes[level.size++] = {place, scores};
+    level.nodes[level.size++] = {place, way};
     return true;
   }
 
@@ -61,17 +64,14 @@ class LookaheadSpace {
     lookahead_number_ = 1;
   }
 
-  /// Notes the ways that have stopped at a place, those of fewer steps first, and forgets those that can do nothing
-  /// better than others there.
-  void note_stop(const Place& place, FirstStepScores& scores) {
+  /// Notes a way that has stopped at a place, those of fewer steps first. False if one beats it that has stopped there
+  /// before.
+  bool note_stop(const Place& place, const LookaheadWay& way) {
     const auto at = static_cast<std::size_t>(place.position * drifts + place.drift + most_drift);
-    if (stopped_in_[at] != lookahead_number_) {
-      stopped_in_[at] = lookahead_number_;
-      stop_scores_[at] = scores;
-      return;
-    }
-    scores.drop_what_is_beaten_by(stop_scores_[at]);
-    stop_scores_[at].raise_to(scores);
+    if (stopped_in_[at] == lookahead_number_ && stops_[at].beats(way)) return false;
+    stopped_in_[at] = lookahead_number_;
+    stops_[at] = way;
+    return true;
   }
 
   Level levels[2];
@@ -83,5 +83,5 @@ class LookaheadSpace {
   std::uint32_t nodes_at_[(width + 1) * drifts] = {};  ///< number of a level, and of its node that has the place
   std::uint32_t lookahead_number_ = 0;
   std::uint32_t stopped_in_[(width + 1) * drifts] = {};  ///< number of the last lookahead that has stopped at the place
-  FirstStepScores stop_scores_[(width + 1) * drifts];    ///< valid for those of the present one
+  LookaheadWay stops_[(width + 1) * drifts];             ///< valid for those of the present one
 };

@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 #include "search/base_planes.h"
-#include "search/first_step_scores.h"
 #include "search/front.h"
 #include "search/lag_matches.h"
 #include "search/lookahead_space.h"
+#include "search/lookahead_way.h"
 #include "search/step_choice.h"
 #include "search/unit_runs.h"
 
@@ -57,7 +58,7 @@ class LookaheadWindow {
     seen_ = position_ + reach(rules_.maximum_depth);
     FirstSteps first(front.score, rules_, circle_);
     if (plain) {
-      first.scores.add_matches(run(after_mismatch(here)), run(after_insertion(here)), run(after_deletion(here)));
+      first.decide_by_runs(run(after_mismatch(here)), run(after_insertion(here)), run(after_deletion(here)));
     } else if (!follow_long_run(here, first)) {
       first = FirstSteps(front.score, rules_, circle_);
       if (position_ > 0) {  // the lookahead needs all the room there is
@@ -75,7 +76,6 @@ class LookaheadWindow {
   static constexpr std::int64_t width = LookaheadSpace::width;
   static constexpr std::int64_t most_drift = LookaheadSpace::most_drift;
   static constexpr std::int64_t most_depth = 8;
-  static constexpr std::size_t no_kind = 3;
   using Place = LookaheadSpace::Place;
   using Node = LookaheadSpace::Node;
   using Level = LookaheadSpace::Level;
@@ -86,16 +86,25 @@ class LookaheadWindow {
     if (first.height + 2 * std::max(rules_.mismatch_score, rules_.indel_score) > 0) return {};
     UnitRuns::RunsBehindSteps runs;
     if (!runs_.count_behind_steps(front, limit, runs)) return {};
-    first.scores.add_matches(runs.mismatch, runs.insertion, runs.deletion);
-    if (!first.scores.after(rules_.mismatch_score, first.bound, first.missing).is_lost()) return {};
-    if (!first.scores.after(rules_.indel_score, first.bound, first.missing).is_lost()) return {};
+    first.decide_by_runs(runs.mismatch, runs.insertion, runs.deletion);
+    const std::int64_t mildest = std::max(rules_.mismatch_score, rules_.indel_score);
+    for (LookaheadWay way : {first.mismatch, first.insertion, first.deletion}) {
+      if (first.permits(way.first_step) && way.take_step(mildest, first.bound, first.missing)) return {};
+    }
     // A deletion leaves a unit base out, and behind a run a base is seen that does not match.
     return first.choice(runs.longest() + 2);
   }
 
   static Place after_mismatch(const Place& p) { return {p.position + 1, p.drift}; }
-  static Place after_insertion(const Place& p) { return {p.position + 1, p.drift + 1}; }
-  static Place after_deletion(const Place& p) { return {p.position, p.drift - 1}; }
+  Place after_insertion(const Place& p) const { return {p.position + 1, least_drift(p.drift + 1)}; }
+  Place after_deletion(const Place& p) const { return {p.position, least_drift(p.drift - 1)}; }
+
+  /// The unit is a circle: of the drifts that are the same the one that is least far off. `drift` is less than a unit
+  /// away from that.
+  std::int64_t least_drift(std::int64_t drift) const {
+    if (2 * drift > circle_.length()) return drift - circle_.length();
+    return 2 * drift <= -circle_.length() ? drift + circle_.length() : drift;
+  }
 
   /// A run of matches at one drift, positions [begin, end).
   struct Run {
@@ -110,28 +119,27 @@ class LookaheadWindow {
   /// Another way that comes to that run has taken more steps and has a lower score there than the one that began with
   /// it, or an equal one behind a mismatch. So it can do nothing better from there on.
   bool follow_long_run(const Place& here, FirstSteps& first) {
-    if (rules_.mismatch_score < 2 * rules_.indel_score) return false;
-    const Place places[] = {after_mismatch(here), after_insertion(here), after_deletion(here)};
-    const bool permitted[] = {first.mismatch_permitted, first.indel_permitted, first.indel_permitted};
-    std::size_t best = no_kind;
-    for (std::size_t kind = 0; kind < 3; ++kind) {
-      if (!permitted[kind] || run(places[kind]) < long_run_) continue;
-      if (best != no_kind) return false;
-      best = kind;
+    if (rules_.mismatch_score <= 2 * rules_.indel_score) return false;
+    const Node nodes[] = {{after_mismatch(here), first.mismatch},
+                          {after_insertion(here), first.insertion},
+                          {after_deletion(here), first.deletion}};
+    const Node* best = nullptr;
+    for (const Node& node : nodes) {
+      if (!first.permits(node.way.first_step) || run(node.place) < long_run_) continue;
+      if (best != nullptr) return false;
+      best = &node;
     }
-    if (best == no_kind) return false;
-    const Run way{places[best].drift, places[best].position, places[best].position + run(places[best])};
-    const FirstStepScores only[] = {first.scores.only_mismatch(), first.scores.only_insertion(),
-                                    first.scores.only_deletion()};
-    const std::int64_t score = first.scores.score_of(best);
+    if (best == nullptr) return false;
+    const Run way{best->place.drift, best->place.position, best->place.position + run(best->place)};
+    const std::int64_t score = best->way.score;
     const std::int64_t goal = score + way.end - way.begin;
     std::int64_t highest = score + long_run_;  // of other ways, or what makes the run a long one
     const std::uint64_t others = long_runs_but(way);
     Level* level = &space_.levels[0];
     Level* next = &space_.levels[1];
     space_.begin(*level);
-    for (std::size_t kind = 0; kind < 3; ++kind) {
-      if (permitted[kind] && kind != best) space_.push(places[kind], only[kind], *level);
+    for (const Node& node : nodes) {
+      if (&node != best && first.permits(node.way.first_step)) space_.push(node.place, node.way, *level);
     }
     for (std::int64_t left = rules_.maximum_depth - 1; level->size > 0; --left) {
       space_.begin(*next);
@@ -143,10 +151,10 @@ class LookaheadWindow {
         }
         const std::int64_t matches = run(node.place);
         node.place.position += matches;
-        node.scores.add_matches(matches);
+        node.way.score += matches;
         const std::int64_t seen = node.place.position + (left == 0 ? 1 : reach(left));
-        if (node.scores.highest() >= goal || seen > width) return false;
-        highest = std::max(highest, node.scores.highest());
+        if (node.way.score >= goal || seen > width) return false;
+        highest = std::max(highest, node.way.score);
         seen_ = std::max(seen_, seen);
         if (left == 0 || !is_in_reach(others, node.place.position, left)) continue;
         if (!push_steps(node, first, *next)) return false;
@@ -155,29 +163,32 @@ class LookaheadWindow {
     }
     // Only so much of the run matters.
     seen_ = std::max(seen_, std::min(way.begin + highest - score + 1, width));
-    first.scores = only[best];
+    first.best = best->way;
     return true;
   }
 
   /// Raises each value, the score right after a first step, to the highest score within the lookahead behind it, as far
   /// as the choice needs that; false if the ways leave the window. Those that all begin with the best step may: they
-  /// could only make it better.
+  /// could only make it better. So may those that can do nothing better than one of these, having left it at the same
+  /// place: behind the same run.
   bool look_ahead(const Place& here, FirstSteps& first) {
     Level* level = &space_.levels[0];
     Level* next = &space_.levels[1];
     space_.begin(*level);
-    if (first.mismatch_permitted) space_.push(after_mismatch(here), first.scores.only_mismatch(), *level);
+    if (first.mismatch_permitted) space_.push(after_mismatch(here), first.mismatch, *level);
     if (first.indel_permitted) {
-      space_.push(after_insertion(here), first.scores.only_insertion(), *level);
-      space_.push(after_deletion(here), first.scores.only_deletion(), *level);
+      space_.push(after_insertion(here), first.insertion, *level);
+      space_.push(after_deletion(here), first.deletion, *level);
     }
     space_.begin_stops();
-    std::size_t kind_outside = no_kind;
-    const auto go_outside = [&](const FirstStepScores& scores) {
-      const std::size_t kind = scores.best();
-      const bool may_go = scores.is_only(kind) && (kind_outside == no_kind || kind_outside == kind);
-      kind_outside = kind;
+    std::optional<StepKind> kind_outside;
+    const auto go_outside = [&](const Node& node) {
+      const Place place{std::min(node.place.position, width), node.place.drift};
       seen_ = width;
+      if (!space_.note_stop(place, node.way)) return true;
+      first.leave_unfinished(node.way);
+      const bool may_go = !kind_outside || *kind_outside == node.way.first_step;
+      kind_outside = node.way.first_step;
       return may_go;
     };
     for (std::int64_t left = rules_.maximum_depth - 1; level->size > 0; --left) {
@@ -186,36 +197,32 @@ class LookaheadWindow {
         Node& node = level->nodes[i];
         const std::int64_t matches = run(node.place);
         node.place.position += matches;
-        node.scores.add_matches(matches);
-        first.scores.raise_to(node.scores);
+        node.way.score += matches;
+        first.best.raise_to(node.way);
         const std::int64_t seen = node.place.position + (left == 0 ? 1 : reach(left));
         if (seen > width) {
-          if (!go_outside(node.scores)) return false;
+          if (!go_outside(node)) return false;
           continue;
         }
         seen_ = std::max(seen_, seen);
         if (left == 0 || no_long_run_in_reach(node.place.position, left)) continue;
-        space_.note_stop(node.place, node.scores);
-        if (!node.scores.is_lost() && !push_promising_steps(node, left - 1, first, *next)) return false;
+        if (!space_.note_stop(node.place, node.way)) continue;
+        if (!push_promising_steps(node, left - 1, first, *next)) return false;
       }
-      if (is_settled(*next, first)) break;
+      if (first.is_settled(*next)) break;
       std::swap(level, next);
     }
-    return kind_outside == no_kind || kind_outside == first.scores.best();
-  }
-
-  /// Whether only ways that begin with the step that is best so far go on.
-  static bool is_settled(const Level& level, const FirstSteps& first) {
-    const std::size_t best = first.scores.best();
-    return std::all_of(level.nodes, level.nodes + level.size,
-                       [best](const Node& node) { return node.scores.is_only(best); });
+    return !kind_outside || *kind_outside == first.best.first_step;
   }
 
   bool push_steps(const Node& node, FirstSteps& first, Level& next) {
-    const FirstStepScores mismatched = node.scores.after(rules_.mismatch_score, first.bound, first.missing);
-    if (!mismatched.is_lost() && !space_.push(after_mismatch(node.place), mismatched, next)) return false;
-    const FirstStepScores shifted = node.scores.after(rules_.indel_score, first.bound, first.missing);
-    if (shifted.is_lost()) return true;
+    LookaheadWay mismatched = node.way;
+    if (mismatched.take_step(rules_.mismatch_score, first.bound, first.missing) &&
+        !space_.push(after_mismatch(node.place), mismatched, next)) {
+      return false;
+    }
+    LookaheadWay shifted = node.way;
+    if (!shifted.take_step(rules_.indel_score, first.bound, first.missing)) return true;
     return space_.push(after_insertion(node.place), shifted, next) &&
            space_.push(after_deletion(node.place), shifted, next);
   }
@@ -228,16 +235,18 @@ class LookaheadWindow {
     const Place insertion = after_insertion(node.place);
     const Place deletion = after_deletion(node.place);
     if (is_promising(mismatch, left)) {
-      const FirstStepScores scores = node.scores.after(rules_.mismatch_score, first.bound, first.missing);
-      if (!scores.is_lost() && !space_.push(mismatch, scores, next)) return false;
+      LookaheadWay way = node.way;
+      if (way.take_step(rules_.mismatch_score, first.bound, first.missing) && !space_.push(mismatch, way, next)) {
+        return false;
+      }
     }
     const bool insertion_is_promising = is_promising(insertion, left);
     const bool deletion_is_promising = is_promising(deletion, left);
     if (!insertion_is_promising && !deletion_is_promising) return true;
-    const FirstStepScores scores = node.scores.after(rules_.indel_score, first.bound, first.missing);
-    if (scores.is_lost()) return true;
-    return (!insertion_is_promising || space_.push(insertion, scores, next)) &&
-           (!deletion_is_promising || space_.push(deletion, scores, next));
+    LookaheadWay way = node.way;
+    if (!way.take_step(rules_.indel_score, first.bound, first.missing)) return true;
+    return (!insertion_is_promising || space_.push(insertion, way, next)) &&
+           (!deletion_is_promising || space_.push(deletion, way, next));
   }
 
   void find_prospects_once() {
@@ -273,9 +282,12 @@ class LookaheadWindow {
   std::uint64_t long_runs_but(const Run& way) const {
     const std::uint64_t inside =
         forward ? low_bits(way.end) & ~low_bits(way.begin) : ~low_bits(width - way.end) & low_bits(width - way.begin);
+    std::int64_t same = lag_number(way.drift);
+    while (same >= circle_.length()) same -= circle_.length();
     std::uint64_t others = 0;
     for (std::int64_t lag = 0; lag <= 2 * drift_limit_; ++lag) {
-      others |= lags_.long_runs[lag + 1] & (lag == lag_number(way.drift) ? ~inside : ~std::uint64_t{0});
+      others |= lags_.long_runs[lag + 1] & (lag == same ? ~inside : ~std::uint64_t{0});
+      if (lag == same) same += circle_.length();
     }
     return others;
   }
@@ -303,10 +315,7 @@ class LookaheadWindow {
     if (position_ < 0 || position_ + reach(rules_.maximum_depth) > width) return false;
     const std::int64_t unit_steps = forward ? front.unit - anchor_unit_ : anchor_unit_ - front.unit;
     const auto length = static_cast<std::int32_t>(circle_.length());
-    auto drift = static_cast<std::int32_t>(position_ - unit_steps) % length;  // the unit is a circle
-    if (2 * drift > length) drift -= length;
-    if (2 * drift < -length) drift += length;
-    drift_ = drift;
+    drift_ = least_drift(static_cast<std::int32_t>(position_ - unit_steps) % length);
     return std::abs(drift_) + rules_.maximum_depth <= drift_limit_;
   }
 

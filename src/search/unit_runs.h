@@ -12,6 +12,8 @@
 /// `first_base`; all three must outlive the object.
 class UnitRuns {
  public:
+  static constexpr std::int64_t width = 64;  ///< bases at a time
+
   UnitRuns(const BasePlanes& planes, const char* first_base, UnitCircle circle)
       : planes_(planes),
         first_base_(first_base),
@@ -41,10 +43,12 @@ class UnitRuns {
     return rest < 0 ? rest + length_ : rest;
   }
 
-  /// 64 bases, as two bit planes.
+  /// So many bases, as two bit planes.
   struct Bases {
     std::uint64_t low = 0;
     std::uint64_t high = 0;
+
+    bool operator==(const Bases& other) const { return low == other.low && high == other.high; }
   };
 
   /// The 64 unit bases that a walk comes to next, the one expected now being the first of them, or the last if the walk
@@ -58,11 +62,11 @@ class UnitRuns {
   /// The number of bases from the front on that agree with the unit, N excluded, at most up to `limit`.
   template <bool forward>
   std::int64_t count(const Front<forward>& front, const char* limit) const {
-    const std::int64_t room = forward ? limit - front.position : front.position - limit;
+    const std::int64_t most = room(front, limit);
     std::int64_t position = front.position - first_base_;
     std::int64_t phase = front.unit - circle_.begin;
     std::int64_t matches = 0;
-    while (matches < room) {
+    while (matches < most) {
       const std::uint64_t misses = forward ? misses_from(position, phase) : misses_before(position, phase);
       if (misses != 0) {
         matches += forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
@@ -72,8 +76,59 @@ class UnitRuns {
       position += forward ? width : -width;
       phase = wrapped(phase + (forward ? width : -width));
     }
-    return std::min(matches, room);
+    return std::min(matches, most);
   }
+
+  /// What a walk sees from where it has stopped: the next 64 bases of the sequence and of the unit, the nearest being
+  /// the first of them, or the last if the walk grows backward.
+  struct View {
+    Bases sequence;  ///< undefined if the view is not whole
+    Bases unit;
+    bool is_whole = false;  ///< so many bases lie before the limit, and no N is among them
+  };
+
+  template <bool forward>
+  void look(const Front<forward>& front, const char* limit, View& view) const {
+    const std::int64_t first = front.position - first_base_ - (forward ? 0 : width);
+    view.is_whole = room(front, limit) >= width && planes_.unknown_bits(first) == 0;
+    view.unit = next_bases(front);
+    if (!view.is_whole) return;
+    view.sequence.low = planes_.low_bits(first);
+    view.sequence.high = planes_.high_bits(first);
+  }
+
+  /// The bases that are left.
+  template <bool forward>
+  static std::int64_t room(const Front<forward>& front, const char* limit) {
+    return forward ? limit - front.position : front.position - limit;
+  }
+
+  static std::size_t hash(const Bases& sequence, const Bases& unit) {
+    std::uint64_t mixed = (sequence.low ^ (unit.high << 20 | unit.high >> 44)) * 0x9E3779B97F4A7C15U;
+    mixed ^= (unit.low ^ (sequence.high << 20 | sequence.high >> 44)) * 0xD6E8FEB86659FD93U;
+    return (mixed ^ mixed >> 32) * 0x9E3779B97F4A7C15U >> 32;
+  }
+
+  /// The unit bases behind those of a view.
+  template <bool forward>
+  Bases bases_behind_view(const Front<forward>& front) const {
+    const std::int64_t phase = wrapped(front.unit - circle_.begin + (forward ? width : 1 - 2 * width));
+    return {low_bits(phase), high_bits(phase)};
+  }
+
+  /// The matches in a row behind a step of this kind, if the whole view is known. From `most_seen` on more may follow.
+  template <bool forward>
+  static std::int64_t matches_behind(char kind, const View& view) {
+    const auto one_on = [](std::uint64_t bits) { return forward ? bits >> 1 : bits << 1; };
+    const auto [low, high] = view.sequence;
+    const auto [unit_low, unit_high] = view.unit;
+    const std::uint64_t misses = kind == 'M'   ? one_on((low ^ unit_low) | (high ^ unit_high))
+                                 : kind == 'I' ? (one_on(low) ^ unit_low) | (one_on(high) ^ unit_high)
+                                               : (low ^ one_on(unit_low)) | (high ^ one_on(unit_high));
+    if (misses == 0) return width;
+    return forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
+  }
+  static constexpr std::int64_t most_seen = 63;  ///< the last base is shifted out of sight
 
   /// The matches in a row behind each kind of step.
   struct RunsBehindSteps {
@@ -86,23 +141,13 @@ class UnitRuns {
   /// Counts them from a front that has stopped. False if one of them is long, or near N or `limit`.
   template <bool forward>
   bool count_behind_steps(const Front<forward>& front, const char* limit, RunsBehindSteps& behind) const {
-    const std::int64_t room = forward ? limit - front.position : front.position - limit;
-    const std::int64_t first = front.position - first_base_ - (forward ? 0 : width);
-    if (room < width || planes_.unknown_bits(first) != 0) return false;
-    const std::int64_t phase = front.unit - circle_.begin - (forward ? 0 : width - 1);
-    const std::uint64_t low = planes_.low_bits(first);
-    const std::uint64_t high = planes_.high_bits(first);
-    const std::uint64_t unit_low = low_bits(wrapped(phase));
-    const std::uint64_t unit_high = high_bits(wrapped(phase));
-    const auto one_on = [](std::uint64_t bits) { return forward ? bits >> 1 : bits << 1; };
-    const auto matches = [](std::uint64_t misses) -> std::int64_t {
-      if (misses == 0) return width;
-      return forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
-    };
-    behind.mismatch = matches(one_on((low ^ unit_low) | (high ^ unit_high)));
-    behind.insertion = matches((one_on(low) ^ unit_low) | (one_on(high) ^ unit_high));
-    behind.deletion = matches((low ^ one_on(unit_low)) | (high ^ one_on(unit_high)));
-    return behind.longest() < width - 1;  // the last base has been shifted out of sight
+    View seen;
+    look(front, limit, seen);
+    if (!seen.is_whole) return false;
+    behind.mismatch = matches_behind<forward>('M', seen);
+    behind.insertion = matches_behind<forward>('I', seen);
+    behind.deletion = matches_behind<forward>('D', seen);
+    return behind.longest() < most_seen;
   }
 
   /// As the plain length_of_Ns, only faster.
@@ -136,8 +181,6 @@ class UnitRuns {
   }
 
  private:
-  static constexpr std::int64_t width = 64;
-
   /// The first `length_` bits of `bits` over and over, length_ < 64.
   std::uint64_t repeated(std::uint64_t bits) const {
     bits &= (std::uint64_t{1} << length_) - 1;

@@ -7,7 +7,7 @@
 #include "search/growth_limit.h"
 #include "search/lookahead_space.h"
 #include "search/step_memo.h"
-#include "search/unit_memo.h"
+#include "search/view_memo.h"
 #include "search/walk_guides.h"
 #include "search/walk_trail.h"
 
@@ -18,7 +18,7 @@ struct WalkAids {
   GrowthLimit& growth_limit;  ///< not owned
   WalkGuides<forward> guides;
   StepMemo<forward> memo;
-  UnitMemo<forward> unit_memo;
+  ViewMemo<forward> view_memo;
   WalkTrail<forward> trail;
   LookaheadSpace space;
   FrontSet<forward> level;  ///< working space of the lookahead outside the window
@@ -34,7 +34,7 @@ struct WalkAids {
     if (limit != limit_) {
       guides.forget();
       memo.forget();
-      unit_memo.forget();
+      view_memo.forget();
       trail.forget();
       limit_ = limit;
     }
@@ -47,7 +47,7 @@ struct WalkAids {
       : growth_limit(limit_of_growth),
         guides(begin, end, rules),
         memo(begin),
-        unit_memo(begin, end),
+
         trail(begin, end) {}
 
  private:
