@@ -38,6 +38,11 @@ class CAnchorSeq {
     if (!named.empty()) settle_bits(bit, bit + count);
   }
 
+  /// The same for all positions: no guide is kept in memory any more.
+  void settle_all() {
+    while (!named.empty()) settle_bits(named.front().first, named.front().end);
+  }
+
   /// Whether the window [p, p + unit_length) may be tried as a seed, which must end before the sequence's last base:
   /// its first base is free and so is its last or the one behind it, or the base before it and its last are both free.
   bool admits(const char* p, std::int64_t unit_length) const {

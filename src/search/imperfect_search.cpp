@@ -215,6 +215,7 @@ void CSearchController::complete_imperfect_search() {
   }
   for (std::int64_t length = first; length <= longest_unit(); ++length) {
     prepare_candidates(length);
+    anchors.settle_all();  // the guides of the next length need the memory
     one_unit_len_complete_imperfect_search(length, anchors, imperfect_sats.sats);
   }
   // The report of a long repeat takes memory of its own.
