@@ -14,6 +14,7 @@
 #include "search/base_planes.h"
 #include "search/candidate_words.h"
 #include "search/front.h"
+#include "search/growing_repeat.h"
 #include "search/thresholds.h"
 #include "search/walk_aids.h"
 #include "search/workers.h"
@@ -65,6 +66,16 @@ struct GrownRepeat {
   Csat* sat;
   const char* left;
   const char* right_end;
+};
+
+/// What of a walk is to be done: all, or what is left behind a pause.
+enum class WalkPart : std::uint8_t { whole, rest };
+
+/// How far a seed has grown.
+enum class Growth : std::uint8_t {
+  finished,
+  paused_forward,   ///< the left end has not begun to grow
+  paused_backward,  ///< the right end has done, and the left one not yet
 };
 
 /// The search of one sequence: built over a record, searched once in one mode, reported, destroyed before the next
@@ -139,6 +150,7 @@ class CSearchController {
 
  private:
   friend class ImperfectPass;
+  friend class PostponedRepeats;
 
   /// By the active thresholds.
   Minimum minimum_of(std::int64_t unit_length) const { return {*minScores, *minLengths, unit_length}; }
@@ -171,8 +183,22 @@ class CSearchController {
 
   void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found);
   void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found);
-  /// Grows the seed both ways and trims it. Long stretches of events may be left untold.
-  void grow_imperfect(Csat& seed, GrowthAids& aids) const;
+  static constexpr std::int64_t never = INT64_MAX;
+  /// Grows the seed both ways and trims it. Long stretches of events may be left untold. In either direction it may
+  /// pause behind so many bases.
+  Growth grow_imperfect(Csat& seed, GrowthAids& aids, std::int64_t bases_to_pause = never) const;
+  /// Grows its right end, from where it has paused if this is the rest of the way. Returns whether it pauses.
+  bool grow_forward(Csat& sat, GrowthAids& aids, WalkPart part, std::int64_t bases_to_pause) const;
+  /// Notes the deletion that a seed whose right end has paused will have at its first base, if it will have one. False
+  /// if that is not known.
+  bool note_event_at_left_end(Csat& seed, GrowthAids& aids) const;
+  /// Grows the right ends of the ones to where they stop, and then the left ends of the others. All are of one unit
+  /// length.
+  void finish_growth(const std::vector<GrowingRepeat*>& forward, const std::vector<GrowingRepeat*>& backward,
+                     std::int64_t unit_length) const;
+  using GrowShare = std::function<void(const std::vector<GrowingRepeat*>& share, GrowthAids& aids)>;
+  /// Among the workers; those with rotations of one unit stay together.
+  void share_out(const std::vector<GrowingRepeat*>& repeats, std::int64_t unit_length, const GrowShare& grow) const;
   /// What the growth of one worker remembers.
   GrowthAids& aids_of(unsigned worker) const;
 
@@ -195,9 +221,11 @@ class CSearchController {
   /// The seeds of this unit length that may reach the active minimum score with at most `depth` steps of lookahead.
   CandidateSet find_candidates(std::int64_t unit_length, std::int64_t depth);
   /// Calls `try_seed` with the start of each of them that the anchors admit by then, in ascending order, and lets the
-  /// run status report. `try_seed` returns a start behind that; those before it are left out.
-  template <typename TrySeed>
-  void for_each_candidate(std::int64_t unit_length, std::int64_t depth, CAnchorSeq& anchors, TrySeed try_seed);
+  /// run status report. `try_seed` returns a start behind that; those before it are left out. `settle` is called with a
+  /// position and a count before the anchors there are asked.
+  template <typename Settle, typename TrySeed>
+  void for_each_candidate(std::int64_t unit_length, std::int64_t depth, const CAnchorSeq& anchors, Settle settle,
+                          TrySeed try_seed);
   /// Takes out of `candidates` what the imperfect extension cannot bring to the user's minimum score. Such a seed would
   /// be found and given back; it could not block another one either.
   void drop_seeds_that_cannot_grow(std::int64_t unit_length);

@@ -13,9 +13,9 @@ inline const char* first_N(const char* p, const char* known, const char* end) {
   return found == nullptr ? end : static_cast<const char*>(found);
 }
 
-template <typename TrySeed>
-void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_t depth, CAnchorSeq& anchors,
-                                           TrySeed try_seed) {
+template <typename Settle, typename TrySeed>
+void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_t depth, const CAnchorSeq& anchors,
+                                           Settle settle, TrySeed try_seed) {
   const CandidateSet set = find_candidates(unit_length, depth);
   std::size_t next_report = 0;
   const char* next_seed = seq.begin();
@@ -29,7 +29,7 @@ void CSearchController::for_each_candidate(std::int64_t unit_length, std::int64_
     __builtin_prefetch(first + 1024);  // the seeds lie here and there
     while (next_seed < first + 64) {
       if (next_seed > first) bits &= ~std::uint64_t{0} << (next_seed - first);
-      anchors.settle(first - 1, unit_length + 66);
+      settle(first - 1, unit_length + 66);
       const std::uint64_t rest = bits & anchors.admitted(first, unit_length);
       if (rest == 0) return;
       next_seed = try_seed(first + __builtin_ctzll(rest));

@@ -1,6 +1,7 @@
 // The exact search: every perfect tandem repeat, runs of N within limits.
 
 #include <algorithm>
+#include <cstddef>
 
 #include "search/CSearchController.h"
 #include "search/candidate_scan.h"
@@ -16,6 +17,9 @@ bool extend(Csat& sat, const char* limit, const ExtensionRules& rules, const Uni
   front.store(sat);
   return result;
 }
+
+/// Exact repeats are covered as a whole when they are found.
+void nothing_waits(const char*, std::ptrdiff_t) {}
 
 }  // namespace
 
@@ -55,7 +59,7 @@ void CSearchController::find_exact_repeats(const KeepRepeat& keep) {
 void CSearchController::search_exact_mononucleotides(CAnchorSeq& cover, const KeepRepeat& keep) {
   const Minimum minimum = minimum_of(1);
   Csat* spare = nullptr;
-  for_each_candidate(1, 0, cover, [&](const char* p) {
+  for_each_candidate(1, 0, cover, nothing_waits, [&](const char* p) {
     if (*p == 'N') return p + 1;
     if (spare == nullptr) spare = sat_alloc.take(p, p + 1);
     spare->seed(p, p + 1);
@@ -76,7 +80,7 @@ void CSearchController::search_exact_units(std::int64_t unit_length, CAnchorSeq&
   const Minimum minimum_of_user(minScores_user, minLengths_user, unit_length);
   const char* next_N = seq.begin() + planes.first_unknown(0);
   Csat* spare = nullptr;
-  for_each_candidate(unit_length, 0, cover, [&](const char* p) {
+  for_each_candidate(unit_length, 0, cover, nothing_waits, [&](const char* p) {
     if (next_N < p) next_N = seq.begin() + planes.first_unknown(p - seq.begin());
     if (!valid_starting_pattern(p, p + unit_length, next_N)) {
       const char* const run_end = std::find_if(p, seq.end(), [p](char base) { return base != *p; });

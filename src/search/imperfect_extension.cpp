@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -13,8 +15,12 @@
 #include "search/spare_height.h"
 #include "search/step_choice.h"
 #include "search/unit_runs.h"
+#include "search/walk_bundle.h"
 
 namespace {
+
+/// An event at the position where a walk begins.
+enum class BeginEvent : std::uint8_t { none, deletion, unknown };
 
 /// One direction of the extension of one record.
 template <bool forward>
@@ -45,7 +51,10 @@ class ImperfectWalk {
   /// Commits step after step until none is permitted, the limit is reached or a run of N blocks the way, or no way
   /// leads to a higher score; then the record takes the earliest state of the highest score on that way. A later state
   /// of equal score is not worth its events.
-  void run() {
+  ///
+  /// It may pause before that, at a stop more than `bases_to_pause` away where the score permits everything and is the
+  /// highest so far. Returns whether it does. A walk from there on goes the rest of the way.
+  bool run(WalkPart part, std::int64_t bases_to_pause) {
     if (stretches != nullptr) stretches->clear();
     aids.begin_walk(circle, limit);
     State state{Front<forward>::of(sat), {sat.mismatches, sat.insertions, sat.deletions}, sat.missense.size, 0, 0, 0};
@@ -54,9 +63,10 @@ class ImperfectWalk {
     State best = state;
     const char* const begin = state.front.position;
     const char* checked = begin;  // where it was last asked whether the walk may go on
-    bool is_on_trail = circle.length() >= shortest_unit_with_trails;
+    bool is_on_trail = part == WalkPart::whole && circle.length() >= shortest_unit_with_trails;
     bool is_at_checkpoint = false;
-    while (way_is_free && rules.maximum_depth > 0 && state.front.position != limit) {
+    bool pauses = false;
+    while (way_is_free && !pauses && rules.maximum_depth > 0 && state.front.position != limit) {
       is_on_trail = is_on_trail && std::abs(state.front.position - begin) < std::max(circle.length(), trail_bases);
       const bool may_be_led = is_at_checkpoint && !is_on_trail;
       is_at_checkpoint = false;
@@ -75,11 +85,65 @@ class ImperfectWalk {
       const char* const run_begin = state.front.position;
       way_is_free = take_run(view, step.kind, state.front);
       is_at_checkpoint = guides.is_checkpoint(state.front, std::abs(state.front.position - run_begin));
-      if (take_if_best(state, best)) way_is_free = way_is_free && may_get_above(state.front.score, state.front);
+      if (!take_if_best(state, best)) continue;
+      way_is_free = way_is_free && may_get_above(state.front.score, state.front);
+      pauses = way_is_free && std::abs(state.front.position - begin) > bases_to_pause && all_permitted(state.front);
     }
     guides.leave();
     adopt(best);
     aids.spare_height = spare.of_walk();
+    return pauses;
+  }
+
+  /// What is known before the walk of the event that would be noted where it begins, if the score is at least that of
+  /// the record.
+  BeginEvent event_at_begin() {
+    BundledWalk<forward> walk(circle, FrontState::of(sat));
+    const FrontState& front = walk.front;
+    if (front.position == limit || front.next_base() == *front.unit) return BeginEvent::none;
+    if (front.next_base() == 'N' || !all_permitted(front)) return BeginEvent::unknown;
+    UnitRuns::View view;
+    if (step_by_view(front, view).kind != 'D') return BeginEvent::none;
+    const WalkLeg<forward> leg =
+        go_to_line(forward ? front.position + bases_of_view : front.position - bases_of_view, walk);
+    // It would be adopted with any higher score, too.
+    return leg.highest > 0 && !leg.depends_on_score ? BeginEvent::deletion : BeginEvent::unknown;
+  }
+
+  /// Goes on to a line, or over it, unless the walk is over before. Returns its leg.
+  WalkLeg<forward> go_to_line(const char* line, BundledWalk<forward>& walk) {
+    steps_without_memo = steps_before_view_memo;  // there are many walks
+    const auto is_there = [line](const FrontState& front) {
+      return forward ? front.position >= line : front.position <= line;
+    };
+    const char* const end = forward ? std::min(line, limit) : std::max(line, limit);
+    FrontState& front = walk.front;
+    WalkLeg<forward> leg(front.score);
+    while (true) {
+      const std::int64_t matches = runs.count(front, end);
+      runs.advance(front, matches);
+      front.score += matches;
+      leg.take_run(matches);
+      bool way_is_free = true;
+      if (front.position != end && front.next_base() == 'N') {
+        leg.take_Ns();
+        way_is_free = runs.extend_exact(front, limit, rules);
+      }
+      walk.take_if_best(front.score, front.position);
+      leg.take_if_best(front);
+      walk.is_over = !way_is_free || front.position == limit;
+      if (walk.is_over || is_there(front)) break;
+      leg.stop(front.score, all_permitted(front));
+      walk.is_over = front.score + std::max(rules.mismatch_score, rules.indel_score) <= bound;
+      if (walk.is_over) break;
+      UnitRuns::View view;
+      const StepChoice step = step_by_view(front, view);
+      leg.take_step(step);
+      front = after_step(step.kind, front);
+      if (is_there(front)) break;
+    }
+    leg.finish(front.score);
+    return leg;
   }
 
  private:
@@ -364,9 +428,11 @@ class ImperfectWalk {
 
   void commit(char kind, State& state) {
     note_step(state.front, kind, state);
-    state.front = kind == 'M'   ? after_mismatch(state.front)
-                  : kind == 'I' ? after_insertion(state.front)
-                                : after_deletion(state.front);
+    state.front = after_step(kind, state.front);
+  }
+
+  FrontState after_step(char kind, const FrontState& front) const {
+    return kind == 'M' ? after_mismatch(front) : kind == 'I' ? after_insertion(front) : after_deletion(front);
   }
 
   /// The base of a mismatch or an insertion is the one taken in; a deletion lies at the base right of the gap.
@@ -394,6 +460,8 @@ class ImperfectWalk {
     stretches->back().end = state.stretch_end;
   }
 
+  /// Enough for a walk that goes on to gain something.
+  static constexpr std::int64_t bases_of_view = 64;
   /// Walks that are over by then would write much into the memo that nobody asks for.
   static constexpr std::int64_t steps_before_view_memo = 12;
   /// The question costs as much as a step or two.
@@ -430,18 +498,72 @@ class ImperfectWalk {
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* seq_end) const {
   ImperfectWalk<true>(sat, {sat.unit_begin, sat.unit_end}, seq_end, rules, planes, seq.begin(), aids_of(0).forward,
                       nullptr)
-      .run();
+      .run(WalkPart::whole, never);
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_limit) const {
   ImperfectWalk<false>(sat, {sat.unit_begin, sat.unit_end}, left_limit + 1, rules, planes, seq.begin(),
                        aids_of(0).backward, nullptr)
-      .run();
+      .run(WalkPart::whole, never);
 }
 
-void CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids) const {
-  const UnitCircle unit{seed.unit_begin, seed.unit_end};
-  ImperfectWalk<true>(seed, unit, seq.end(), rules, planes, seq.begin(), aids.forward, &aids.forward.untold).run();
-  ImperfectWalk<false>(seed, unit, seq.begin(), rules, planes, seq.begin(), aids.backward, &aids.backward.untold).run();
+Growth CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids, std::int64_t bases_to_pause) const {
+  if (grow_forward(seed, aids, WalkPart::whole, bases_to_pause)) return Growth::paused_forward;
+  ImperfectWalk<false> backward(seed, {seed.unit_begin, seed.unit_end}, seq.begin(), rules, planes, seq.begin(),
+                                aids.backward, &aids.backward.untold);
+  if (backward.run(WalkPart::whole, bases_to_pause)) return Growth::paused_backward;
   seed.remove_Ns_at_ends();
+  return Growth::finished;
+}
+
+bool CSearchController::note_event_at_left_end(Csat& seed, GrowthAids& aids) const {
+  const BeginEvent event = ImperfectWalk<false>(seed, {seed.unit_begin, seed.unit_end}, seq.begin(), rules, planes,
+                                                seq.begin(), aids.backward, nullptr)
+                               .event_at_begin();
+  if (event == BeginEvent::deletion) seed.missense.push_back({seed.pos_left, 'D'});
+  return event != BeginEvent::unknown;
+}
+
+bool CSearchController::grow_forward(Csat& sat, GrowthAids& aids, WalkPart part, std::int64_t bases_to_pause) const {
+  return ImperfectWalk<true>(sat, {sat.unit_begin, sat.unit_end}, seq.end(), rules, planes, seq.begin(), aids.forward,
+                             &aids.forward.untold)
+      .run(part, bases_to_pause);
+}
+
+namespace {
+
+/// Of one unit length.
+template <bool forward>
+void grow_side_by_side(const std::vector<GrowingRepeat*>& repeats, std::int64_t unit_length, const char* limit,
+                       const ExtensionRules& rules, const BasePlanes& planes, const char* first_base,
+                       WalkAids<forward>& aids) {
+  Csat record;
+  WalkBundle<forward>(planes, first_base, unit_length, rules).finish(repeats, [&](const char* line, auto& walk) {
+    return ImperfectWalk<forward>(record, walk.circle, limit, rules, planes, first_base, aids, nullptr)
+        .go_to_line(line, walk);
+  });
+}
+
+}  // namespace
+
+void CSearchController::finish_growth(const std::vector<GrowingRepeat*>& forward,
+                                      const std::vector<GrowingRepeat*>& backward, std::int64_t unit_length) const {
+  share_out(forward, unit_length, [&](const std::vector<GrowingRepeat*>& share, GrowthAids& aids) {
+    grow_side_by_side(share, unit_length, seq.end(), rules, planes, seq.begin(), aids.forward);
+  });
+  share_out(backward, unit_length, [&](const std::vector<GrowingRepeat*>& share, GrowthAids& aids) {
+    grow_side_by_side(share, unit_length, seq.begin(), rules, planes, seq.begin(), aids.backward);
+  });
+}
+
+void CSearchController::share_out(const std::vector<GrowingRepeat*>& repeats, std::int64_t unit_length,
+                                  const GrowShare& grow) const {
+  std::vector<std::vector<GrowingRepeat*>> shares(workers.count());
+  for (GrowingRepeat* repeat : repeats) {
+    const char* const unit = seq.begin() + repeat->unit;
+    const bool is_alone = shares.size() == 1;
+    const std::size_t mixed = is_alone ? 0 : std::hash<std::string>()(UnitClass({unit, unit + unit_length}).text());
+    shares[mixed % shares.size()].push_back(repeat);
+  }
+  workers.run(shares.size(), [&](std::size_t number, unsigned worker) { grow(shares[number], aids_of(worker)); });
 }

@@ -14,6 +14,7 @@
 #include "search/CSearchController.h"
 #include "search/candidate_scan.h"
 #include "search/lag_filter.h"
+#include "search/postponed_repeats.h"
 #include "search/seed_filter.h"
 #include "sequence/global-types-and-parameters.h"
 
@@ -31,17 +32,31 @@ class ImperfectPass {
         minimum_(controller.minimum_of(unit_length)),
         anchors_(anchors),
         found_(found),
-        next_N_(controller.seq.begin()) {}
+        next_N_(controller.seq.begin()),
+        postponed_(controller, unit_length, anchors),
+        bases_to_pause_(may_postpone() ? std::max(shortest_long_repeat, 2 * unit_length) : CSearchController::never) {}
 
   /// Tries a seed that the anchors admit. Returns one past the last of the seeds from `p` on that need not be tried any
   /// more. Seeds must come in the order of their positions.
   const char* try_seed(const char* p) {
     if (!is_unit(p, next_N_)) return p + 1;
     GrowthAids& aids = controller_.aids_of(0);
-    const char* const failed_end = grow(p, spare_, aids);
+    Growth growth = Growth::finished;
+    const char* const failed_end = grow(p, spare_, aids, bases_to_pause_, growth);
     if (failed_end > p) return failed_end;
-    keep({p, std::move(spare_), untold_of(aids)});
+    keep({p, std::move(spare_), growth, untold_of(aids, growth)});
     return p + 1;
+  }
+
+  /// To be called before the anchors of the `count` positions from `first` on are asked.
+  void settle(const char* first, std::ptrdiff_t count) {
+    if (!postponed_.empty() && !postponed_.reach(first + count)) finish_postponed();
+    anchors_.settle(first, count);
+  }
+
+  /// To be called behind the last seed.
+  void finish() {
+    if (!postponed_.empty()) finish_postponed();
   }
 
   void run_on_threads(const CandidateSet& set) {
@@ -51,21 +66,25 @@ class ImperfectPass {
     for (std::size_t first = 0; first < parts; first += at_once) {
       // The parts are copied from several threads.
       const auto bases = static_cast<std::ptrdiff_t>(64 * at_once * part_words_);
-      anchors_.settle(controller_.seq.begin() + 64 * first * part_words_ - 1, bases + unit_length_ + 256);
+      const char* const begin = controller_.seq.begin() + 64 * first * part_words_;
+      if (!postponed_.empty()) postponed_.reach(begin + bases);
+      anchors_.settle(begin - 1, bases + unit_length_ + 256);
       std::vector<Part> tried(std::min(at_once, parts - first));
       controller_.workers.run(tried.size(), [&](std::size_t number, unsigned worker) {
         tried[number] = try_ahead(set, (first + number) * part_words_, worker);
       });
       for (std::size_t number = 0; number < tried.size(); ++number) {
-        settle(set, (first + number) * part_words_, tried[number]);
+        settle_part(set, (first + number) * part_words_, tried[number]);
       }
     }
+    finish();
   }
 
  private:
   struct Kept {
     const char* begin;
     OwnedSat sat;
+    Growth growth;
     std::vector<GuidedStretch> untold;
   };
 
@@ -80,15 +99,33 @@ class ImperfectPass {
     return CSearchController::valid_starting_pattern(p, p + unit_length_, next_N);
   }
 
+  /// Not if all repeats with the same ends are to be stored. Those of one base are no satellites.
+  bool may_postpone() const {
+    return global_remove_mostly_hidden && unit_length_ > 1 &&
+           controller_.seq.end() - controller_.seq.begin() <= std::ptrdiff_t{1} << 30;
+  }
+
   /// Grows the seed `p` into `spare`. Returns one past the last of the seeds from `p` on that are known to fail, or `p`
-  /// if it does not.
-  const char* grow(const char* p, OwnedSat& spare, GrowthAids& aids) const {
+  /// if it does not. It may pause in `growth` if it certainly does not.
+  const char* grow(const char* p, OwnedSat& spare, GrowthAids& aids, std::int64_t bases_to_pause,
+                   Growth& growth) const {
     if (spare == nullptr) spare.reset(sat_alloc.take(p, p + unit_length_));
     spare->seed(p, p + unit_length_);
     // No run of matches in it is as long as the minimum score.
     if (aids.growth_limit.keeps_below(*spare, minimum_.score)) return end_of_like(p, minimum_.score);
-    controller_.grow_imperfect(*spare, aids);
+    growth = controller_.grow_imperfect(*spare, aids, bases_to_pause);
+    if (growth != Growth::finished) {
+      if (is_kept_and_known(*spare, growth, aids)) return p;
+      spare->seed(p, p + unit_length_);
+      growth = controller_.grow_imperfect(*spare, aids);
+    }
     return minimum_.is_reached_by(*spare) ? p : end_of_like(p, aids.forward.spare_height);
+  }
+
+  /// Whether a seed that has paused will be kept, and which anchors it leaves behind its first base.
+  bool is_kept_and_known(Csat& seed, Growth growth, GrowthAids& aids) const {
+    return minimum_.is_reached_by(seed) &&
+           (growth == Growth::paused_backward || controller_.note_event_at_left_end(seed, aids));
   }
 
   /// One past the last of the seeds from `p` on that grow like the seed `p`, as long as their scores at the first stop
@@ -103,17 +140,42 @@ class ImperfectPass {
   }
 
   /// Of the record grown last.
-  static std::vector<GuidedStretch> untold_of(const GrowthAids& aids) {
+  static std::vector<GuidedStretch> untold_of(const GrowthAids& aids, Growth growth = Growth::finished) {
     std::vector<GuidedStretch> untold = aids.forward.untold;
+    if (growth == Growth::paused_forward) return untold;  // of an older record are the others
     untold.insert(untold.end(), aids.backward.untold.begin(), aids.backward.untold.end());
     return untold;
   }
 
   void keep(Kept kept) {
+    if (kept.growth != Growth::finished) {
+      postponed_.postpone(*kept.sat, kept.growth, kept.untold);
+      if (postponed_.is_full()) finish_postponed();
+      return;
+    }
     anchors_.cover(*kept.sat, kept.untold);
-    CSearchController::drop_many_events(*kept.sat);
-    kept.sat->sort_missense();
-    add(std::move(kept.sat));
+    if (!postponed_.empty()) postponed_.note_kept(*kept.sat);
+    store(std::move(kept.sat));
+  }
+
+  void store(OwnedSat sat) {
+    CSearchController::drop_many_events(*sat);
+    sat->sort_missense();
+    add(std::move(sat));
+  }
+
+  void finish_postponed() {
+    postponed_.finish(
+        [this](const Csat& sat) {
+          const auto other = long_repeats_.find({sat.pos_left, sat.pos_right_end});
+          return other == long_repeats_.end() || wins(sat, **other->second);
+        },
+        [this](OwnedSat sat) { store(std::move(sat)); });
+  }
+
+  /// Against one of the same ends, both kept: they are kept by the order of their seeds.
+  static bool wins(const Csat& sat, const Csat& other) {
+    return sat.score > other.score || (sat.score == other.score && sat.unit_begin < other.unit_begin);
   }
 
   /// To the result. In a satellite array nearly as many repeats as it has bases may be the same stretch. Those of one
@@ -126,7 +188,7 @@ class ImperfectPass {
     auto hidden = std::prev(found_.end());
     const auto [entry, is_new] = long_repeats_.try_emplace({added.pos_left, added.pos_right_end}, hidden);
     if (is_new) return;
-    if ((*entry->second)->score < added.score) std::swap(entry->second, hidden);
+    if (wins(added, **entry->second)) std::swap(entry->second, hidden);
     sat_alloc.give_back(*hidden);
     found_.erase(hidden);
   }
@@ -149,25 +211,36 @@ class ImperfectPass {
     const char* failed_end = begin;
     OwnedSat spare;
     for_each_seed(set, first_word, [&](const char* p) {
+      if (!part.kept.empty()) grow_on(part.kept.back(), p + unit_length_ + 1, anchors, aids);
       anchors.settle(p - 1, unit_length_ + 2);
       if (p >= failed_end && (!anchors.admits(p, unit_length_) || !is_unit(p, next_N))) return;
       part.tried[static_cast<std::size_t>((p - begin) / 64)] |= std::uint64_t{1} << ((p - begin) % 64);
       if (p < failed_end) return;
-      failed_end = grow(p, spare, aids);
+      Growth growth = Growth::finished;
+      failed_end = grow(p, spare, aids, bases_to_pause_, growth);
       if (failed_end > p) return;
-      part.kept.push_back({p, std::move(spare), untold_of(aids)});
+      part.kept.push_back({p, std::move(spare), growth, untold_of(aids, growth)});
       anchors.cover(*part.kept.back().sat, part.kept.back().untold);
     });
     return part;
   }
 
-  void settle(const CandidateSet& set, std::size_t first_word, Part& part) {
+  /// Up to `end` at least, if its right end has paused.
+  void grow_on(Kept& kept, const char* end, CAnchorSeq& anchors, GrowthAids& aids) const {
+    if (kept.growth != Growth::paused_forward || kept.sat->pos_right_end >= end) return;
+    const std::int64_t bases = end - kept.sat->pos_right_end + bases_to_pause_;
+    if (!controller_.grow_forward(*kept.sat, aids, WalkPart::rest, bases)) kept.growth = Growth::paused_backward;
+    kept.untold.insert(kept.untold.end(), aids.forward.untold.begin(), aids.forward.untold.end());
+    anchors.cover(*kept.sat, kept.untold);
+  }
+
+  void settle_part(const CandidateSet& set, std::size_t first_word, Part& part) {
     const char* const begin = controller_.seq.begin() + 64 * first_word;
     controller_.report_progress(begin, unit_length_);
     auto next_kept = part.kept.begin();
     for_each_seed(set, first_word, [&](const char* p) {
       const auto at = static_cast<std::size_t>(p - begin);
-      anchors_.settle(p - 1, unit_length_ + 2);
+      settle(p - 1, unit_length_ + 2);
       if ((part.tried[at / 64] >> (at % 64) & 1) == 0) {
         if (p >= failed_end_ && anchors_.admits(p, unit_length_)) failed_end_ = try_seed(p);
         return;
@@ -178,7 +251,7 @@ class ImperfectPass {
     });
   }
 
-  static constexpr std::int64_t shortest_long_repeat = 1024;
+  static constexpr std::int64_t shortest_long_repeat = 512;
 
   const CSearchController& controller_;
   const std::int64_t unit_length_;
@@ -191,6 +264,8 @@ class ImperfectPass {
   std::size_t part_words_ = 0;  ///< 64 positions each; of the parts that are tried ahead
   /// The repeats from some length on that were kept, by their ends.
   std::map<std::pair<const char*, const char*>, std::list<Csat*>::iterator> long_repeats_;
+  PostponedRepeats postponed_;
+  const std::int64_t bases_to_pause_;
 };
 
 namespace {
@@ -232,7 +307,11 @@ void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit
                                                                std::list<Csat*>& found) {
   ImperfectPass pass(*this, unit_length, anchors, found);
   if (workers.count() == 1) {
-    for_each_candidate(unit_length, rules.maximum_depth, anchors, [&pass](const char* p) { return pass.try_seed(p); });
+    for_each_candidate(
+        unit_length, rules.maximum_depth, anchors,
+        [&pass](const char* first, std::ptrdiff_t count) { pass.settle(first, count); },
+        [&pass](const char* p) { return pass.try_seed(p); });
+    pass.finish();
   } else {
     pass.run_on_threads(find_candidates(unit_length, rules.maximum_depth));
   }

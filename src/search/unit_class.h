@@ -16,6 +16,9 @@ class UnitClass {
   /// The unit read from where the text comes first in the alphabet.
   const std::string& text() const { return text_; }
 
+  /// The text is so many bases over and over; its length if it is not periodic.
+  std::int64_t period() const { return period_; }
+
   /// Where the base number `offset` of the circle stands in `text`; one of several places if that is itself periodic,
   /// always the first.
   std::int64_t phase_of(std::int64_t offset) const {

@@ -30,7 +30,7 @@ class WalkGuides {
   WalkGuides(const char* begin, const char* end, const ExtensionRules& rules)
       : first_base_(begin),
         rules_(rules),
-        most_bytes_((std::size_t{8} << 20) + static_cast<std::size_t>(end - begin) / 2),
+        most_bytes_(std::size_t{4} << 20),
         bases_between_lines_(std::max<std::int64_t>(512, (end - begin) / 2048)),
         is_usable_(end - begin <= longest_sequence) {}
 

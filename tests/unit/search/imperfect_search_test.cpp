@@ -18,42 +18,6 @@ TEST_F(ImperfectSearchTest, AnEmptySequenceYieldsNothingHoweverLowTheMinimumScor
   EXPECT_THAT(imperfect(""), IsEmpty());
 }
 
-/// Longer than 1,024 bases, with departures of all kinds, each a seed of its own.
-std::string long_imperfect_repeat(unsigned seed) {
-  std::mt19937 random(seed);
-  std::string bases;
-  for (std::size_t i = 0; bases.size() < 1500; ++i) {
-    const auto number = random() % 150;
-    if (number == 0) bases += "ACGT"[random() % 4];
-    if (number != 1) bases += number == 2 ? 'T' : "ACGGT"[i % 5];
-  }
-  return bases;
-}
-
-TEST_F(ImperfectSearchTest, OfTheSameLongStretchOnlyTheBestRepeatIsStored) {
-  unit_lengths(11, 11);
-  std::size_t stored = 0;
-  std::size_t found = 0;
-  for (unsigned seed = 0; seed < 12; ++seed) {
-    global_remove_mostly_hidden = true;
-    test::Sequence sequence(long_imperfect_repeat(seed));
-    CSearchController controller(1, sequence.mol);
-    controller.complete_imperfect_search();
-    stored += controller.imperfect_sats.sats.size();
-
-    global_remove_mostly_hidden = false;
-    CSearchController all(1, sequence.mol);
-    all.complete_imperfect_search();
-    found += all.imperfect_sats.sats.size();
-
-    global_remove_mostly_hidden = true;
-    CSearchController::remove_hidden(controller.imperfect_sats);
-    CSearchController::remove_hidden(all.imperfect_sats);
-    EXPECT_EQ(described(sequence, controller.imperfect_sats.sats), described(sequence, all.imperfect_sats.sats));
-  }
-  EXPECT_LT(2 * stored, found);
-}
-
 TEST_F(ImperfectSearchTest, FindsARepeatWithAnInsertionOnce) {
   EXPECT_THAT(imperfect("ACACACACACGACACACACAC"), ElementsAre("[0,21) AC score 12 1 ins"));
 }

@@ -1,0 +1,158 @@
+#include "search/postponed_repeats.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <utility>
+
+namespace {
+
+/// Parts of a sequence, half-open ranges that neither overlap nor touch.
+class Stretches {
+ public:
+  bool contain(std::uint32_t begin, std::uint32_t end) const {
+    const auto behind = ends_.upper_bound(begin);
+    return behind != ends_.begin() && std::prev(behind)->second >= end;
+  }
+
+  void add(std::uint32_t begin, std::uint32_t end) {
+    auto first = ends_.upper_bound(begin);
+    if (first != ends_.begin() && std::prev(first)->second >= begin) --first;
+    while (first != ends_.end() && first->first <= end) {
+      begin = std::min(begin, first->first);
+      end = std::max(end, first->second);
+      first = ends_.erase(first);
+    }
+    ends_.emplace(begin, end);
+  }
+
+ private:
+  std::map<std::uint32_t, std::uint32_t> ends_;  ///< by the beginnings
+};
+
+}  // namespace
+
+PostponedRepeats::PostponedRepeats(const CSearchController& controller, std::int64_t unit_length, CAnchorSeq& anchors)
+    : controller_(controller),
+      unit_length_(unit_length),
+      anchors_(anchors),
+      // Their growth takes memory for each unit.
+      most_repeats_(static_cast<std::size_t>(std::min(std::int64_t{1} << 17, (std::int64_t{1} << 23) / unit_length))) {}
+
+OwnedSat PostponedRepeats::record_of(const GrowingRepeat& grown) const {
+  OwnedSat sat(sat_alloc.take(at(grown.unit), at(grown.unit) + unit_length_));
+  grown.store(*sat, at(0));
+  return sat;
+}
+
+void PostponedRepeats::note_end(std::uint32_t right_end) {
+  if (!open_.empty()) open_.back().later_end = std::max(open_.back().later_end, right_end);
+}
+
+void PostponedRepeats::postpone(const Csat& sat, Growth growth, const std::vector<GuidedStretch>& untold) {
+  anchors_.cover(sat, untold);
+  const GrowingRepeat grown(sat, at(0));
+  if (growth == Growth::paused_forward) {
+    open_.push_back({static_cast<std::uint32_t>(repeats_.size()), grown.right_end});
+  } else {
+    note_end(grown.right_end);
+  }
+  repeats_.push_back({grown, true});
+}
+
+void PostponedRepeats::note_kept(const Csat& sat) {
+  repeats_.push_back({GrowingRepeat(sat, at(0)), false});
+  note_end(repeats_.back().grown.right_end);
+}
+
+bool PostponedRepeats::reach(const char* end) {
+  while (!open_.empty()) {
+    const std::ptrdiff_t bases = end - at(repeats_[open_.back().number].grown.right_end);
+    if (bases <= 0) return true;
+    if (open_.size() > 1 && bases > most_bases_behind) return false;
+    grow_on(end);
+  }
+  return true;
+}
+
+void PostponedRepeats::grow_on(const char* end) {
+  const Open open = open_.back();
+  GrowingRepeat& grown = repeats_[open.number].grown;
+  const OwnedSat sat = record_of(grown);
+  const char* const old_end = sat->pos_right_end;
+  GrowthAids& aids = controller_.aids_of(0);
+  const bool pauses = controller_.grow_forward(*sat, aids, WalkPart::rest, end - old_end + bases_ahead);
+  grown = GrowingRepeat(*sat, at(0));
+  // Before the old end, and where those end that were kept behind it, nothing changes.
+  sat->pos_left = std::max(old_end, at(open.later_end));
+  if (sat->pos_left < sat->pos_right_end) {
+    const auto lies_before = [&sat](const Csat::Event& event) { return event.first < sat->pos_left; };
+    const auto kept = std::remove_if(sat->missense.begin(), sat->missense.end(), lies_before);
+    sat->missense.size = static_cast<std::size_t>(kept - sat->missense.begin());
+    anchors_.cover(*sat, aids.forward.untold);
+  }
+  if (pauses) return;
+  open_.pop_back();
+  note_end(std::max(open.later_end, grown.right_end));
+}
+
+void PostponedRepeats::finish(const Wanted& is_wanted, const Store& store) {
+  grow_side_by_side();
+  find_visible();
+  for (const Repeat& repeat : repeats_) {
+    if (repeat.is_visible) cover_anew(repeat.grown);
+  }
+  for (const Repeat* repeat : best_of_each_stretch()) {
+    OwnedSat sat = record_of(repeat->grown);
+    if (is_wanted(*sat)) store(std::move(sat));
+  }
+  repeats_.clear();
+  open_.clear();
+}
+
+void PostponedRepeats::grow_side_by_side() {
+  std::vector<GrowingRepeat*> forward;
+  for (const Open& open : open_) forward.push_back(&repeats_[open.number].grown);
+  std::vector<GrowingRepeat*> backward;
+  for (Repeat& repeat : repeats_) {
+    if (repeat.waits) backward.push_back(&repeat.grown);
+  }
+  controller_.finish_growth(forward, backward, unit_length_);
+  for (GrowingRepeat* grown : backward) {
+    while (*at(grown->right_end - 1) == 'N') --grown->right_end;
+    while (*at(grown->left) == 'N') ++grown->left;
+  }
+}
+
+/// A repeat has no anchors to be seen where later ones cover it.
+void PostponedRepeats::find_visible() {
+  Stretches covered;
+  for (auto repeat = repeats_.rbegin(); repeat != repeats_.rend(); ++repeat) {
+    const GrowingRepeat& grown = repeat->grown;
+    repeat->is_visible = !covered.contain(grown.left, grown.right_end);
+    if (repeat->is_visible) covered.add(grown.left, grown.right_end);
+  }
+}
+
+void PostponedRepeats::cover_anew(const GrowingRepeat& grown) {
+  const OwnedSat sat(sat_alloc.take(at(grown.unit), at(grown.unit) + unit_length_));
+  GrowthAids& aids = controller_.aids_of(0);
+  controller_.grow_imperfect(*sat, aids);
+  std::vector<GuidedStretch> untold = aids.forward.untold;
+  untold.insert(untold.end(), aids.backward.untold.begin(), aids.backward.untold.end());
+  anchors_.cover(*sat, untold);
+}
+
+/// Of those with the same ends the first one of the highest score.
+std::vector<const PostponedRepeats::Repeat*> PostponedRepeats::best_of_each_stretch() const {
+  std::map<std::pair<std::uint32_t, std::uint32_t>, const Repeat*> best;
+  for (const Repeat& repeat : repeats_) {
+    if (!repeat.waits) continue;
+    const GrowingRepeat& grown = repeat.grown;
+    const Repeat*& other = best.try_emplace({grown.left, grown.right_end}, &repeat).first->second;
+    if (grown.score > other->grown.score) other = &repeat;
+  }
+  std::vector<const Repeat*> repeats;
+  for (const auto& [ends, repeat] : best) repeats.push_back(repeat);
+  return repeats;
+}

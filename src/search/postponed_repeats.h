@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "satellite/Csat.h"
+#include "search/CAnchorSeq.h"
+#include "search/CSearchController.h"
+#include "search/growing_repeat.h"
+
+/// Kept repeats of one unit length that have not grown to their ends yet.
+///
+/// In a satellite array thousands of seeds may each grow over the whole array, but nearly all of these repeats are the
+/// same stretch, and only one of them is stored. Which later seeds may be tried depends on a little of each: its
+/// anchors ahead, up to where the next one is kept. So repeats that are long enough to be kept stay there; the one kept
+/// last grows on with the search, and in the end all of them grow side by side. Nothing is left of them then but ends
+/// and a score: they are stored without events. Those whose anchors are to be seen grow anew.
+///
+/// Repeats come in the order in which they are kept. The anchors are right from the present seed on up to where
+/// `reach` was called for, and everywhere behind `finish`. Controller and anchors must outlive the object.
+class PostponedRepeats {
+ public:
+  /// Whether a repeat of these ends and this score, of this unit, is to be stored.
+  using Wanted = std::function<bool(const Csat&)>;
+  using Store = std::function<void(OwnedSat)>;
+
+  PostponedRepeats(const CSearchController& controller, std::int64_t unit_length, CAnchorSeq& anchors);
+
+  bool empty() const { return repeats_.empty(); }
+
+  /// A repeat that has paused. `untold` as for CAnchorSeq.
+  void postpone(const Csat& sat, Growth growth, const std::vector<GuidedStretch>& untold);
+
+  /// A repeat that was kept and covered while others wait.
+  void note_kept(const Csat& sat);
+
+  /// Whether no more should be kept waiting.
+  bool is_full() const { return repeats_.size() >= most_repeats_; }
+
+  /// Makes the anchors right up to `end`. False if only `finish` can.
+  bool reach(const char* end);
+
+  /// Grows all of them to their ends. Of those that have the same ends one is stored, if it is wanted.
+  void finish(const Wanted& is_wanted, const Store& store);
+
+ private:
+  struct Repeat {
+    GrowingRepeat grown;
+    bool waits;               ///< otherwise it was kept with the others, and has its ends
+    bool is_visible = false;  ///< its anchors are, or some of them
+  };
+
+  /// A repeat whose right end has paused.
+  struct Open {
+    std::uint32_t number;
+    std::uint32_t later_end;  ///< where those kept behind it end
+  };
+
+  /// So far a repeat grows on by itself, at least.
+  static constexpr std::ptrdiff_t bases_ahead = 512;
+  /// Further it catches up with the others only.
+  static constexpr std::ptrdiff_t most_bases_behind = 1 << 15;
+
+  const char* at(std::uint32_t offset) const { return controller_.seq.begin() + offset; }
+  OwnedSat record_of(const GrowingRepeat& grown) const;
+  void note_end(std::uint32_t right_end);
+  /// The one kept last grows on to `end`, and covers what is its own there.
+  void grow_on(const char* end);
+  void grow_side_by_side();
+  void find_visible();
+  void cover_anew(const GrowingRepeat& grown);
+  std::vector<const Repeat*> best_of_each_stretch() const;
+
+  const CSearchController& controller_;
+  const std::int64_t unit_length_;
+  CAnchorSeq& anchors_;
+  const std::size_t most_repeats_;
+  std::vector<Repeat> repeats_;  ///< since the first of those that wait
+  std::vector<Open> open_;       ///< of those
+};
