@@ -68,9 +68,6 @@ struct GrownRepeat {
   const char* right_end;
 };
 
-/// What of a walk is to be done: all, or what is left behind a pause.
-enum class WalkPart : std::uint8_t { whole, rest };
-
 /// How far a seed has grown.
 enum class Growth : std::uint8_t {
   finished,
@@ -187,8 +184,8 @@ class CSearchController {
   /// Grows the seed both ways and trims it. Long stretches of events may be left untold. In either direction it may
   /// pause behind so many bases.
   Growth grow_imperfect(Csat& seed, GrowthAids& aids, std::int64_t bases_to_pause = never) const;
-  /// Grows its right end, from where it has paused if this is the rest of the way. Returns whether it pauses.
-  bool grow_forward(Csat& sat, GrowthAids& aids, WalkPart part, std::int64_t bases_to_pause) const;
+  /// Grows a right end that has paused, and trims it if that is done. Returns whether it pauses again.
+  bool grow_on(Csat& sat, GrowthAids& aids, std::int64_t bases_to_pause) const;
   /// Notes the deletion that a seed whose right end has paused will have at its first base, if it will have one. False
   /// if that is not known.
   bool note_event_at_left_end(Csat& seed, GrowthAids& aids) const;

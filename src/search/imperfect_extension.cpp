@@ -19,6 +19,9 @@
 
 namespace {
 
+/// What of a walk is to be done: all, or what is left behind a pause.
+enum class WalkPart : std::uint8_t { whole, rest };
+
 /// An event at the position where a walk begins.
 enum class BeginEvent : std::uint8_t { none, deletion, unknown };
 
@@ -53,7 +56,8 @@ class ImperfectWalk {
   /// of equal score is not worth its events.
   ///
   /// It may pause before that, at a stop more than `bases_to_pause` away where the score permits everything and is the
-  /// highest so far. Returns whether it does. A walk from there on goes the rest of the way.
+  /// highest so far, and the last base is no N: it will not be taken off. Returns whether it does. A walk from there on
+  /// goes the rest of the way.
   bool run(WalkPart part, std::int64_t bases_to_pause) {
     if (stretches != nullptr) stretches->clear();
     aids.begin_walk(circle, limit);
@@ -87,7 +91,8 @@ class ImperfectWalk {
       is_at_checkpoint = guides.is_checkpoint(state.front, std::abs(state.front.position - run_begin));
       if (!take_if_best(state, best)) continue;
       way_is_free = way_is_free && may_get_above(state.front.score, state.front);
-      pauses = way_is_free && std::abs(state.front.position - begin) > bases_to_pause && all_permitted(state.front);
+      pauses = way_is_free && std::abs(state.front.position - begin) > bases_to_pause && all_permitted(state.front) &&
+               *(forward ? state.front.position - 1 : state.front.position) != 'N';
     }
     guides.leave();
     adopt(best);
@@ -508,12 +513,22 @@ void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_li
 }
 
 Growth CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids, std::int64_t bases_to_pause) const {
-  if (grow_forward(seed, aids, WalkPart::whole, bases_to_pause)) return Growth::paused_forward;
-  ImperfectWalk<false> backward(seed, {seed.unit_begin, seed.unit_end}, seq.begin(), rules, planes, seq.begin(),
-                                aids.backward, &aids.backward.untold);
-  if (backward.run(WalkPart::whole, bases_to_pause)) return Growth::paused_backward;
+  const UnitCircle unit{seed.unit_begin, seed.unit_end};
+  ImperfectWalk<true> forward(seed, unit, seq.end(), rules, planes, seq.begin(), aids.forward, &aids.forward.untold);
+  if (forward.run(WalkPart::whole, bases_to_pause)) return Growth::paused_forward;
+  ImperfectWalk<false> backward(seed, unit, seq.begin(), rules, planes, seq.begin(), aids.backward,
+                                &aids.backward.untold);
+  const bool pauses = backward.run(WalkPart::whole, bases_to_pause);
   seed.remove_Ns_at_ends();
-  return Growth::finished;
+  return pauses ? Growth::paused_backward : Growth::finished;
+}
+
+bool CSearchController::grow_on(Csat& sat, GrowthAids& aids, std::int64_t bases_to_pause) const {
+  ImperfectWalk<true> forward(sat, {sat.unit_begin, sat.unit_end}, seq.end(), rules, planes, seq.begin(), aids.forward,
+                              &aids.forward.untold);
+  const bool pauses = forward.run(WalkPart::rest, bases_to_pause);
+  sat.remove_Ns_at_ends();
+  return pauses;
 }
 
 bool CSearchController::note_event_at_left_end(Csat& seed, GrowthAids& aids) const {
@@ -522,12 +537,6 @@ bool CSearchController::note_event_at_left_end(Csat& seed, GrowthAids& aids) con
                                .event_at_begin();
   if (event == BeginEvent::deletion) seed.missense.push_back({seed.pos_left, 'D'});
   return event != BeginEvent::unknown;
-}
-
-bool CSearchController::grow_forward(Csat& sat, GrowthAids& aids, WalkPart part, std::int64_t bases_to_pause) const {
-  return ImperfectWalk<true>(sat, {sat.unit_begin, sat.unit_end}, seq.end(), rules, planes, seq.begin(), aids.forward,
-                             &aids.forward.untold)
-      .run(part, bases_to_pause);
 }
 
 namespace {

@@ -50,7 +50,7 @@ class ImperfectPass {
 
   /// To be called before the anchors of the `count` positions from `first` on are asked.
   void settle(const char* first, std::ptrdiff_t count) {
-    if (!postponed_.empty() && !postponed_.reach(first + count)) finish_postponed();
+    if (!postponed_.empty() && (!postponed_.reach(first + count) || postponed_.lie_before(first))) finish_postponed();
     anchors_.settle(first, count);
   }
 
@@ -229,7 +229,7 @@ class ImperfectPass {
   void grow_on(Kept& kept, const char* end, CAnchorSeq& anchors, GrowthAids& aids) const {
     if (kept.growth != Growth::paused_forward || kept.sat->pos_right_end >= end) return;
     const std::int64_t bases = end - kept.sat->pos_right_end + bases_to_pause_;
-    if (!controller_.grow_forward(*kept.sat, aids, WalkPart::rest, bases)) kept.growth = Growth::paused_backward;
+    if (!controller_.grow_on(*kept.sat, aids, bases)) kept.growth = Growth::paused_backward;
     kept.untold.insert(kept.untold.end(), aids.forward.untold.begin(), aids.forward.untold.end());
     anchors.cover(*kept.sat, kept.untold);
   }

@@ -46,6 +46,7 @@ OwnedSat PostponedRepeats::record_of(const GrowingRepeat& grown) const {
 }
 
 void PostponedRepeats::note_end(std::uint32_t right_end) {
+  last_end_ = std::max(last_end_, right_end);
   if (!open_.empty()) open_.back().later_end = std::max(open_.back().later_end, right_end);
 }
 
@@ -75,13 +76,17 @@ bool PostponedRepeats::reach(const char* end) {
   return true;
 }
 
+bool PostponedRepeats::lie_before(const char* position) const {
+  return open_.empty() && at(last_end_) < position;
+}
+
 void PostponedRepeats::grow_on(const char* end) {
   const Open open = open_.back();
   GrowingRepeat& grown = repeats_[open.number].grown;
   const OwnedSat sat = record_of(grown);
   const char* const old_end = sat->pos_right_end;
   GrowthAids& aids = controller_.aids_of(0);
-  const bool pauses = controller_.grow_forward(*sat, aids, WalkPart::rest, end - old_end + bases_ahead);
+  const bool pauses = controller_.grow_on(*sat, aids, end - old_end + bases_ahead);
   grown = GrowingRepeat(*sat, at(0));
   // Before the old end, and where those end that were kept behind it, nothing changes.
   sat->pos_left = std::max(old_end, at(open.later_end));
@@ -108,6 +113,7 @@ void PostponedRepeats::finish(const Wanted& is_wanted, const Store& store) {
   }
   repeats_.clear();
   open_.clear();
+  last_end_ = 0;
 }
 
 void PostponedRepeats::grow_side_by_side() {

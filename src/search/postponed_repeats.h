@@ -42,6 +42,9 @@ class PostponedRepeats {
   /// Makes the anchors right up to `end`. False if only `finish` can.
   bool reach(const char* end);
 
+  /// Whether none of them ends at the position or behind it.
+  bool lie_before(const char* position) const;
+
   /// Grows all of them to their ends. Of those that have the same ends one is stored, if it is wanted.
   void finish(const Wanted& is_wanted, const Store& store);
 
@@ -61,7 +64,7 @@ class PostponedRepeats {
   /// So far a repeat grows on by itself, at least.
   static constexpr std::ptrdiff_t bases_ahead = 512;
   /// Further it catches up with the others only.
-  static constexpr std::ptrdiff_t most_bases_behind = 1 << 15;
+  static constexpr std::ptrdiff_t most_bases_behind = 1 << 12;
 
   const char* at(std::uint32_t offset) const { return controller_.seq.begin() + offset; }
   OwnedSat record_of(const GrowingRepeat& grown) const;
@@ -79,4 +82,5 @@ class PostponedRepeats {
   const std::size_t most_repeats_;
   std::vector<Repeat> repeats_;  ///< since the first of those that wait
   std::vector<Open> open_;       ///< of those
+  std::uint32_t last_end_ = 0;   ///< of all whose right end has grown
 };

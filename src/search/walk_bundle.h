@@ -102,9 +102,7 @@ class WalkBundle {
       : planes_(planes),
         first_base_(first_base),
         unit_length_(unit_length),
-        least_height_(1 - rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score)),
-        near_(slots),
-        far_(slots) {}
+        least_height_(1 - rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score)) {}
 
   /// Lets the repeats grow to their ends in this direction. `go_to_line(line, walk)` takes a walk to a line, or over
   /// it, or to its end, and returns its leg.
@@ -138,7 +136,7 @@ class WalkBundle {
   static constexpr std::int64_t bases_between_lines = 32;
   static constexpr std::int64_t lines_between_meetings = 16;
   static constexpr std::int64_t most_seen = 2 * UnitRuns::width;
-  static constexpr std::size_t slots = 4096;
+  static constexpr std::size_t slots = 2048;
   /// Above the least height: groups of different scores that would soon be split again are not made.
   static constexpr std::int64_t spare_height = 64;
   static constexpr std::int64_t no_score = INT64_MIN / 2;
@@ -207,19 +205,20 @@ class WalkBundle {
   void go(std::size_t number, const char* begin, const char* end, GoToLine& go_to_line) {
     Group& group = groups_[number];
     const Walk before = group.walk;
-    const bool is_at_line = before.front.position == begin;
+    const bool may_share = groups_.size() > 1 && before.front.position == begin;
     const Bases near = UnitRuns(planes_, first_base_, before.circle).next_bases(before.front);
-    if (is_at_line && take_known(group, near, end)) return;
+    if (may_share && take_known(group, near, end)) return;
     const Leg leg = go_to_line(end, group.walk);
     if (group.least_lead < 0 || group.highest_lead > 0) {
       const std::int64_t height = before.front.score + before.circle.length() + leg.lowest;
       if (leg.depends_on_score || height + group.least_lead < least_height_) split(number, before, leg);
     }
     const Group& gone = groups_[number];
-    if (is_at_line && gone.walk.front.position == end && !gone.walk.is_over) note(leg, before, near);
+    if (may_share && gone.walk.front.position == end && !gone.walk.is_over) note(leg, before, near);
   }
 
   bool take_known(Group& group, const Bases& near, const char* end) const {
+    if (near_.empty()) return false;
     const UnitRuns runs(planes_, first_base_, group.walk.circle);
     const char* const begin = group.walk.front.position;
     const std::size_t hash = UnitRuns::hash(near, {0, 0});
@@ -246,6 +245,10 @@ class WalkBundle {
 
   void note(const Leg& leg, const Walk& before, const Bases& near) {
     if (leg.depends_on_score || leg.unit_bases_seen > most_seen) return;
+    if (near_.empty()) {
+      near_.resize(slots);
+      far_.resize(slots);
+    }
     const char* const begin = before.front.position;
     const Bases behind = UnitRuns(planes_, first_base_, before.circle).bases_behind_view(before.front);
     const std::size_t hash = UnitRuns::hash(near, {0, 0});

@@ -63,7 +63,7 @@ std::string arrays(Random& random, std::size_t unit_length) {
   const unsigned count = random.pick({1U, 1U, 2U, 3U});
   for (unsigned i = 0; i < count; ++i) {
     bases += random.bases(random.pick({0U, 1U, 40U, 300U})) + array(random, unit_length);
-    if (random.percent(10)) bases += std::string(random.pick({1U, 3U, 4U, 70U}), 'N');
+    if (random.percent(30)) bases += std::string(random.pick({1U, 3U, 4U, 70U}), 'N');
   }
   return bases + random.bases(random.pick({0U, 1U, 40U, 300U}));
 }
