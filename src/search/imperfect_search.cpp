@@ -148,14 +148,14 @@ class ImperfectPass {
   }
 
   void keep(Kept kept) {
-    if (kept.growth != Growth::finished) {
+    if (kept.growth == Growth::finished) {
+      anchors_.cover(*kept.sat, kept.untold);
+      if (!postponed_.empty()) postponed_.note_kept(*kept.sat);
+      store(std::move(kept.sat));
+    } else {
       postponed_.postpone(*kept.sat, kept.growth, kept.untold);
-      if (postponed_.is_full()) finish_postponed();
-      return;
     }
-    anchors_.cover(*kept.sat, kept.untold);
-    if (!postponed_.empty()) postponed_.note_kept(*kept.sat);
-    store(std::move(kept.sat));
+    if (postponed_.is_full()) finish_postponed();
   }
 
   void store(OwnedSat sat) {

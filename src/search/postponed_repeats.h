@@ -64,7 +64,7 @@ class PostponedRepeats {
   /// So far a repeat grows on by itself, at least.
   static constexpr std::ptrdiff_t bases_ahead = 512;
   /// Further it catches up with the others only.
-  static constexpr std::ptrdiff_t most_bases_behind = 1 << 12;
+  static constexpr std::ptrdiff_t most_bases_behind = 1 << 10;
 
   const char* at(std::uint32_t offset) const { return controller_.seq.begin() + offset; }
   OwnedSat record_of(const GrowingRepeat& grown) const;

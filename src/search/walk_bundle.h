@@ -268,25 +268,23 @@ class WalkBundle {
   /// The members whose score does not permit everything on a way that the group has gone from `before` on go by
   /// themselves, those of equal scores together.
   void split(std::size_t number, const Walk& before, const Leg& leg) {
-    std::vector<Member> others;
-    {
-      Group& group = groups_[number];
-      const std::int64_t height = before.front.score + before.circle.length() + leg.lowest;
-      const auto stays = std::partition(group.members.begin(), group.members.end(), [&](const Member& member) {
-        return member.lead == 0 || (!leg.depends_on_score && height + member.lead >= least_height_);
-      });
-      others.assign(stays, group.members.end());
-      group.members.erase(stays, group.members.end());
-      find_leads(group);
-    }
+    std::vector<Member>& members = groups_[number].members;
+    const std::int64_t height = before.front.score + before.circle.length() + leg.lowest;
+    const auto stays = std::partition(members.begin(), members.end(), [&](const Member& member) {
+      return member.lead == 0 || (!leg.depends_on_score && height + member.lead >= least_height_);
+    });
+    std::vector<Member> others(stays, members.end());
+    members.erase(stays, members.end());
+    find_leads(groups_[number]);
     std::sort(others.begin(), others.end(), [](const Member& a, const Member& b) { return a.lead < b.lead; });
     for (std::size_t first = 0; first < others.size();) {
       const std::int64_t lead = others[first].lead;
       Group part = groups_[number];
       part.walk = before;
       part.members.clear();
-      for (; first < others.size() && others[first].lead == lead; ++first)
+      for (; first < others.size() && others[first].lead == lead; ++first) {
         part.members.push_back({others[first].repeat, 0});
+      }
       part.walk.front.score += lead;
       part.walk.best_score = before.best_score + lead;
       find_leads(part);

@@ -1,0 +1,178 @@
+// Walks side by side against the same walks one by one. How a walk goes is left to the caller of the bundle, so it is a
+// simple rule here, with what the bundle has to reckon with: steps that depend on bases far ahead, or on a low score.
+
+#include "search/walk_bundle.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "search/search_support.h"
+
+namespace {
+
+constexpr int cost = 6;
+const ExtensionRules rules{-cost, -cost, 5, 4, false};
+constexpr std::int64_t least_height = 1 + 5 * cost;
+
+/// Takes the step behind which most bases match in a row. Every third position looks at 60 bases more, and takes an
+/// insertion if they say so. Where the score does not permit everything, odd heights take a mismatch.
+template <bool forward>
+class Walker {
+ public:
+  Walker(const char* begin, const char* end) : limit_(forward ? end : begin) {}
+
+  WalkLeg<forward> operator()(const char* line, BundledWalk<forward>& walk) const {
+    Front<forward>& front = walk.front;
+    const char* const end = forward ? std::min(line, limit_) : std::max(line, limit_);
+    WalkLeg<forward> leg(front.score);
+    while (true) {
+      while (front.position != end && front.next_base() == *front.unit) {
+        take(front, walk.circle, 'M');
+        ++front.score;
+        leg.take_run(1);
+      }
+      walk.take_if_best(front.score, front.position);
+      leg.take_if_best(front);
+      const std::int64_t height = front.score + walk.circle.length();
+      walk.is_over = front.position == limit_;
+      if (!walk.is_over && front.position != line) {
+        leg.stop(front.score, height >= least_height);
+        walk.is_over = height <= cost;
+      }
+      if (walk.is_over || front.position == line) break;
+      const StepChoice step = choice(front, walk.circle, height);
+      leg.take_step(step);
+      take(front, walk.circle, step.kind);
+      front.score -= cost;
+      if (front.position == line) break;
+    }
+    leg.finish(front.score);
+    return leg;
+  }
+
+ private:
+  static constexpr std::int64_t run_seen = 14;
+
+  static void take(Front<forward>& front, const UnitCircle& circle, char kind) {
+    if (kind != 'D') front.take_base();
+    if (kind != 'I') front.step_unit(circle);
+  }
+
+  StepChoice choice(const Front<forward>& front, const UnitCircle& circle, std::int64_t height) const {
+    const auto made = [](char kind, std::int64_t seen) { return StepChoice(kind, seen, 1, StepChoice::any_height); };
+    if (height < least_height && height % 2 != 0) return made('M', 1);
+    std::int64_t seen = run_seen + 1;
+    if ((limit_ - front.position) % 3 == 0) {
+      seen = run_seen + 61;
+      Front<forward> ahead = front;
+      unsigned mixed = 0;
+      for (std::int64_t i = 0; i < seen; ++i, ahead.step_unit(circle)) {
+        mixed = 31 * mixed + static_cast<unsigned char>(*ahead.unit);
+      }
+      if (mixed / 7 % 4 == 0) return made('I', seen);
+    }
+    char best = 'M';
+    std::int64_t longest = -1;
+    for (const char kind : {'M', 'I', 'D'}) {
+      const std::int64_t run = run_behind(kind, front, circle);
+      if (run > longest) best = kind;
+      longest = std::max(longest, run);
+    }
+    return made(best, seen);
+  }
+
+  std::int64_t run_behind(char kind, Front<forward> front, const UnitCircle& circle) const {
+    take(front, circle, kind);
+    std::int64_t run = 0;
+    for (; run < run_seen - 1 && front.position != limit_ && front.next_base() == *front.unit; ++run) {
+      take(front, circle, 'M');
+    }
+    return run;
+  }
+
+  const char* limit_;
+};
+
+class WalkBundleTest : public test::SearchTest {
+ protected:
+  /// Copies of a unit, or of several, with departures; stretches of other bases, in which walks of low scores end.
+  static std::string array(std::mt19937& random, std::size_t unit_length) {
+    const auto one_of = [&random](std::initializer_list<unsigned> values) {
+      return *(values.begin() + random() % values.size());
+    };
+    std::vector<std::string> units(one_of({1, 1, 3}), std::string());
+    for (std::size_t i = 0; i < unit_length; ++i) {
+      const char base = "ACGT"[random() % 4];
+      for (std::string& unit : units) unit += random() % 30 == 0 ? "ACGT"[random() % 4] : base;
+    }
+    const unsigned rate = one_of({30, 60, 150, 1000});
+    std::string bases;
+    while (bases.size() < 4000) {
+      for (const char base : units[random() % units.size()]) {
+        const auto number = random() % rate;
+        if (number <= 1) bases += "ACGT"[random() % 4];
+        if (number != 0 && number != 2) bases += base;
+      }
+      if (random() % 1000 >= unit_length) continue;
+      for (unsigned i = one_of({20, 60, 200, 500}); i > 0; --i) bases += "ACGT"[random() % 4];
+    }
+    return bases;
+  }
+
+  template <bool forward>
+  static void alone(GrowingRepeat& repeat, const test::Sequence& sequence, std::int64_t unit_length) {
+    const char* const first = sequence.mol.begin();
+    const Walker<forward> walker(first, sequence.mol.end());
+    const char* const unit = first + repeat.unit;
+    BundledWalk<forward> walk({unit, unit + unit_length},
+                              {first + (forward ? repeat.right_end : repeat.left),
+                               first + (forward ? repeat.unit_right : repeat.unit_left), repeat.score, 0});
+    walker(forward ? sequence.mol.end() + 1 : first - 1, walk);
+    (forward ? repeat.right_end : repeat.left) = static_cast<std::uint32_t>(walk.best_position - first);
+    repeat.score = static_cast<std::int32_t>(walk.best_score);
+  }
+
+  template <bool forward>
+  static void compare(unsigned seed) {
+    std::mt19937 random(seed);
+    const std::size_t unit_length = std::vector<std::size_t>{3, 7, 20, 64, 90, 130, 171}[random() % 7];
+    const test::Sequence sequence(array(random, unit_length));
+    const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
+    std::vector<GrowingRepeat> together;
+    const std::size_t starts = 60 + random() % 100;
+    const std::size_t seeds = sequence.mol.sequence.length - unit_length;
+    for (std::size_t i = 0; i < starts; ++i) {
+      const auto begin = static_cast<std::ptrdiff_t>(random() % seeds);
+      Csat sat;
+      sat.seed(sequence.at(begin), sequence.at(begin + static_cast<std::ptrdiff_t>(unit_length)));
+      sat.score = static_cast<std::int64_t>(random() % (i % 2 == 0 ? 60 : 1000));
+      together.emplace_back(sat, sequence.mol.begin());
+    }
+    std::vector<GrowingRepeat> one_by_one = together;
+    for (GrowingRepeat& repeat : one_by_one) alone<forward>(repeat, sequence, static_cast<std::int64_t>(unit_length));
+
+    std::vector<GrowingRepeat*> repeats;
+    for (GrowingRepeat& repeat : together) repeats.push_back(&repeat);
+    WalkBundle<forward>(planes, sequence.mol.begin(), static_cast<std::int64_t>(unit_length), rules)
+        .finish(repeats, Walker<forward>(sequence.mol.begin(), sequence.mol.end()));
+    for (std::size_t i = 0; i < together.size(); ++i) {
+      const auto ends = [](const GrowingRepeat& repeat) {
+        return std::vector<std::int64_t>{repeat.left, repeat.right_end, repeat.score};
+      };
+      ASSERT_EQ(ends(together[i]), ends(one_by_one[i])) << "seed " << seed << ", walk " << i;
+    }
+  }
+};
+
+TEST_F(WalkBundleTest, WalksForwardEndLikeWalksOnTheirOwn) {
+  for (unsigned seed = 1; seed <= 300; ++seed) compare<true>(seed);
+}
+
+TEST_F(WalkBundleTest, WalksBackwardEndLikeWalksOnTheirOwn) {
+  for (unsigned seed = 1; seed <= 300; ++seed) compare<false>(seed);
+}
+
+}  // namespace
