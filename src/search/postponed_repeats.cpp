@@ -159,6 +159,7 @@ std::vector<const PostponedRepeats::Repeat*> PostponedRepeats::best_of_each_stre
     if (grown.score > other->grown.score) other = &repeat;
   }
   std::vector<const Repeat*> repeats;
+  repeats.reserve(best.size());
   for (const auto& [ends, repeat] : best) repeats.push_back(repeat);
   return repeats;
 }
