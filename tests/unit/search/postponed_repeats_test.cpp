@@ -120,7 +120,7 @@ class PostponedRepeatsTest : public test::SearchTest {
 
 TEST_F(PostponedRepeatsTest, AreStoredLikeThoseThatGrowAsTheyAreFound) {
   std::size_t dropped = 0;
-  for (unsigned seed = 1; seed <= 80; ++seed) {
+  for (unsigned seed = 1; seed <= 60; ++seed) {
     Random random(seed);
     draw_rules(random);
     const auto unit_length = random.pick<std::uint32_t>({2, 3, 5, 7, 9, 11, 24, 31, 60, 63, 64, 65, 90, 130, 171});
