@@ -44,6 +44,7 @@ class WalkGuides {
   /// To be called before the steps of a walk.
   void begin_walk(const UnitCircle& circle) {
     leave();
+    if (guide_) note_size();
     guide_.reset();
     if (circle.length() != circle_.length()) forget();
     circle_ = circle;
@@ -118,30 +119,45 @@ class WalkGuides {
   void find_guide() {
     unit_.emplace(circle_);
     std::shared_ptr<UnitGuide>& guide = guides_[unit_->text()];
-    if (!guide) {
+    const bool is_new = !guide;
+    if (is_new) {
       guide = std::make_shared<UnitGuide>(forward, rules_);
-      bytes_ += guide->size();
+      bytes_ += bytes_of(*guide);
     }
     guide_ = guide;
     bytes_of_guide_ = guide_->size();
+    if (is_new) let_go_of_others();
+  }
+
+  /// With its unit's text, and what the map takes for it, or nearly so.
+  std::size_t bytes_of(const UnitGuide& guide) const {
+    return guide.size() + static_cast<std::size_t>(circle_.length()) + 128;
+  }
+
+  void note_size() {
+    bytes_ += guide_->size() - bytes_of_guide_;
+    bytes_of_guide_ = guide_->size();
+  }
+
+  void count_bytes() {
+    note_size();
+    let_go_of_others();
+    if (bytes_ <= most_bytes_) return;
+    forget();
+    find_guide();
   }
 
   /// Lets go of guides that are too many. Units come again and again in turn where there are many: to let go of the one
   /// used last would let go of the next one that is needed. So any will do.
-  void count_bytes() {
-    bytes_ += guide_->size() - bytes_of_guide_;
-    bytes_of_guide_ = guide_->size();
+  void let_go_of_others() {
     while (bytes_ > most_bytes_ && guides_.size() > 1) {
       std::size_t bucket = random_() % guides_.bucket_count();
       while (guides_.bucket_size(bucket) == 0) bucket = (bucket + 1) % guides_.bucket_count();
       const auto other = guides_.begin(bucket);
       if (other->second == guide_) continue;
-      bytes_ -= other->second->size();
+      bytes_ -= bytes_of(*other->second);
       guides_.erase(std::string(other->first));
     }
-    if (bytes_ <= most_bytes_) return;
-    forget();
-    find_guide();
   }
 
   const char* const first_base_;
