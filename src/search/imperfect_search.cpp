@@ -139,12 +139,9 @@ class ImperfectPass {
     return p + 1;
   }
 
-  /// Of the record grown last.
-  static std::vector<GuidedStretch> untold_of(const GrowthAids& aids, Growth growth = Growth::finished) {
-    std::vector<GuidedStretch> untold = aids.forward.untold;
-    if (growth == Growth::paused_forward) return untold;  // of an older record are the others
-    untold.insert(untold.end(), aids.backward.untold.begin(), aids.backward.untold.end());
-    return untold;
+  /// Of the record grown last. If it has paused forward those of the other direction are of an older record.
+  static std::vector<GuidedStretch> untold_of(const GrowthAids& aids, Growth growth) {
+    return growth == Growth::paused_forward ? aids.forward.untold : aids.untold();
   }
 
   void keep(Kept kept) {

@@ -144,9 +144,7 @@ void PostponedRepeats::cover_anew(const GrowingRepeat& grown) {
   const OwnedSat sat(sat_alloc.take(at(grown.unit), at(grown.unit) + unit_length_));
   GrowthAids& aids = controller_.aids_of(0);
   controller_.grow_imperfect(*sat, aids);
-  std::vector<GuidedStretch> untold = aids.forward.untold;
-  untold.insert(untold.end(), aids.backward.untold.begin(), aids.backward.untold.end());
-  anchors_.cover(*sat, untold);
+  anchors_.cover(*sat, aids.untold());
 }
 
 /// Of those with the same ends the first one of the highest score.

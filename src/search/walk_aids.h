@@ -44,11 +44,7 @@ struct WalkAids {
 
   /// The sequence, half-open range.
   WalkAids(const char* begin, const char* end, const ExtensionRules& rules, GrowthLimit& limit_of_growth)
-      : growth_limit(limit_of_growth),
-        guides(begin, end, rules),
-        memo(begin),
-
-        trail(begin, end) {}
+      : growth_limit(limit_of_growth), guides(begin, end, rules), memo(begin), trail(begin, end) {}
 
  private:
   const char* limit_ = nullptr;
@@ -59,6 +55,13 @@ struct GrowthAids {
   GrowthLimit growth_limit;
   WalkAids<true> forward;
   WalkAids<false> backward;
+
+  /// Of the record grown last, in both directions.
+  std::vector<GuidedStretch> untold() const {
+    std::vector<GuidedStretch> both = forward.untold;
+    both.insert(both.end(), backward.untold.begin(), backward.untold.end());
+    return both;
+  }
 
   /// The sequence, half-open range, its planes and the rules; they must outlive the object.
   GrowthAids(const char* begin, const char* end, const BasePlanes& planes, const ExtensionRules& rules)

@@ -169,6 +169,10 @@ class WalkBundle {
     std::uint16_t highest_bases = 0;
   };
 
+  static std::size_t slot_of(const Bases& near, const Bases& behind = {}) {
+    return UnitRuns::hash(near, behind) % slots;
+  }
+
   static bool comes_before(const char* a, const char* b) { return forward ? a < b : a > b; }
 
   const char* position_of(std::int64_t line) const {
@@ -221,11 +225,10 @@ class WalkBundle {
     if (near_.empty()) return false;
     const UnitRuns runs(planes_, first_base_, group.walk.circle);
     const char* const begin = group.walk.front.position;
-    const std::size_t hash = UnitRuns::hash(near, {0, 0});
-    const Entry& near_entry = near_[hash % slots];
+    const Entry& near_entry = near_[slot_of(near)];
     if (near_entry.begin == begin && near_entry.bases == near) return take(near_entry, end, runs, group);
     const Bases behind = runs.bases_behind_view(group.walk.front);
-    const Entry& far_entry = far_[(hash ^ UnitRuns::hash(behind, {0, 0})) % slots];
+    const Entry& far_entry = far_[slot_of(near, behind)];
     return far_entry.begin == begin && far_entry.bases == near && far_entry.bases_behind == behind &&
            take(far_entry, end, runs, group);
   }
@@ -251,9 +254,7 @@ class WalkBundle {
     }
     const char* const begin = before.front.position;
     const Bases behind = UnitRuns(planes_, first_base_, before.circle).bases_behind_view(before.front);
-    const std::size_t hash = UnitRuns::hash(near, {0, 0});
-    Entry& entry = leg.unit_bases_seen <= UnitRuns::width ? near_[hash % slots]
-                                                          : far_[(hash ^ UnitRuns::hash(behind, {0, 0})) % slots];
+    Entry& entry = leg.unit_bases_seen <= UnitRuns::width ? near_[slot_of(near)] : far_[slot_of(near, behind)];
     const std::ptrdiff_t highest_bases = leg.highest_position == nullptr ? 0 : leg.highest_position - begin;
     entry.begin = begin;
     entry.bases = near;

@@ -49,6 +49,16 @@ TYPED_TEST(ViewMemoTest, AStepThatAGreaterHeightMayChangeIsNotNoted) {
   EXPECT_EQ(table.step_at(view, 8).kind, '?');
 }
 
+/// Of steps that depend on so many unit bases, but no more.
+template <typename View>
+void expect_to_tell(const View& view, std::int64_t unit_bases) {
+  StepTable<View> table;
+  table.note(view, {'I', unit_bases + 1, 7, any_height});
+  EXPECT_EQ(table.step_at(view, 8).kind, '?');
+  table.note(view, {'I', unit_bases, 7, any_height});
+  EXPECT_EQ(table.step_at(view, 8).kind, 'I');
+}
+
 TYPED_TEST(ViewMemoTest, NearViewsDifferInTheirBases) {
   constexpr bool forward = TypeParam::value;
   const NearView<forward> view(view_with<forward>(-1));
@@ -57,11 +67,7 @@ TYPED_TEST(ViewMemoTest, NearViewsDifferInTheirBases) {
     EXPECT_FALSE(view == NearView<forward>(view_with<forward>(43, of_unit)));
     EXPECT_TRUE(view == NearView<forward>(view_with<forward>(44, of_unit)));
   }
-  StepTable<NearView<forward>> table;
-  table.note(view, {'M', 45, 7, any_height});
-  EXPECT_EQ(table.step_at(view, 8).kind, '?');
-  table.note(view, {'M', 44, 7, any_height});
-  EXPECT_EQ(table.step_at(view, 8).kind, 'M');
+  expect_to_tell(view, 44);
 }
 
 TYPED_TEST(ViewMemoTest, FarViewsDifferInAllBasesAndInThoseBehind) {
@@ -83,11 +89,7 @@ TYPED_TEST(ViewMemoTest, FarViewsDifferInAllBasesAndInThoseBehind) {
     EXPECT_TRUE(view == with_base_behind(8, low));
   }
   EXPECT_FALSE(with_base_behind(7, false) == with_base_behind(7, true));
-  StepTable<FarView<forward>> table;
-  table.note(view, {'I', 73, 7, any_height});
-  EXPECT_EQ(table.step_at(view, 8).kind, '?');
-  table.note(view, {'I', 72, 7, any_height});
-  EXPECT_EQ(table.step_at(view, 8).kind, 'I');
+  expect_to_tell(view, 72);
 }
 
 TYPED_TEST(ViewMemoTest, AViewIsTheSequenceAndTheUnitFromTheStopOn) {
