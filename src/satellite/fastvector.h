@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <new>
-#include <utility>
+#include <type_traits>
 
 /// A growable array of small, trivially destructible elements that keeps its buffer when it is emptied.
 ///
@@ -59,8 +59,11 @@ class fastvector {
   void shrink() {
     constexpr std::size_t spare_elements = 16;
     if (capacity - size <= spare_elements) return;
-    auto* const smaller = size == 0 ? nullptr : allocated(size);
-    if (size == 0 || smaller != nullptr) move_into(smaller, size);
+    if (size == 0) {
+      release();
+    } else {
+      resize_buffer(size);
+    }
   }
 
   bool empty() const { return size == 0; }
@@ -71,22 +74,23 @@ class fastvector {
   const T* end() const { return buffer + size; }
 
  private:
-  static T* allocated(std::size_t n) { return static_cast<T*>(std::malloc(n * sizeof(T))); }
+  static_assert(std::is_trivially_copy_constructible_v<T> && std::is_trivially_destructible_v<T>,
+                "the elements move with the bytes of the buffer");
 
   void grow_to(std::size_t new_capacity) {
-    auto* const grown = allocated(new_capacity);
-    if (grown == nullptr) {
-      std::puts("Program aborded due to failed realloc!");
-      std::fflush(nullptr);
-      std::_Exit(0);  // other threads may be at work: nothing is torn down under them
-    }
-    move_into(grown, new_capacity);
+    if (resize_buffer(new_capacity)) return;
+    std::puts("Program aborded due to failed realloc!");
+    std::fflush(nullptr);
+    std::_Exit(0);  // other threads may be at work: nothing is torn down under them
   }
 
-  void move_into(T* new_buffer, std::size_t new_capacity) {
-    for (std::size_t i = 0; i < size; ++i) new (new_buffer + i) T(std::move(buffer[i]));
-    std::free(static_cast<void*>(buffer));
-    buffer = new_buffer;
+  /// False, with nothing changed, if there is no memory. A large buffer keeps its pages, so the old one and the new one
+  /// do not take memory side by side: the events of an array can be as many as a third of its bases.
+  bool resize_buffer(std::size_t new_capacity) {
+    void* const resized = std::realloc(static_cast<void*>(buffer), new_capacity * sizeof(T));
+    if (resized == nullptr) return false;
+    buffer = static_cast<T*>(resized);
     capacity = new_capacity;
+    return true;
   }
 };

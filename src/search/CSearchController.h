@@ -6,6 +6,7 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -126,6 +127,10 @@ class CSearchController {
   void extend_imperfect_forward(Csat& sat, const char* seq_end) const;
   /// Grows the left end; `left_limit` is the position before the first base that may be taken.
   void extend_imperfect_backward(Csat& sat, const char* left_limit) const;
+
+  /// The score to which the imperfect extension will bring the seed, if that can be told without extending it. The
+  /// spare height of its forward walk is known then, too.
+  std::optional<std::int64_t> foresee_score(Csat& seed, GrowthAids& aids) const;
 
   /// Whether the window [begin, end) may be a unit: no N, and not a single base repeated unless it is one base long.
   /// `next_N` is the first N at or after `begin`, or the sequence end.

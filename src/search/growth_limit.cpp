@@ -67,10 +67,11 @@ bool GrowthLimit::keeps_below(const Csat& seed, std::int64_t minimum_score) {
   const std::int64_t matches_left = left.score - seed.score;
   if (right.score + matches_left >= minimum_score) return false;
   reverse_unit(circle);
-  const std::int64_t score_right = may_go_right ? highest_score(right, circle, minimum_score) : right.score;
+  const std::int64_t score_right =
+      may_go_right ? highest_score(right, circle, minimum_score, most_bases_of(circle)) : right.score;
   if (score_right >= minimum_score - matches_left) return false;
   left.score = score_right + matches_left;
-  return !may_go_left || highest_score(left, circle, minimum_score) < minimum_score;
+  return !may_go_left || highest_score(left, circle, minimum_score, most_bases_of(circle)) < minimum_score;
 }
 
 template <bool forward>
@@ -79,11 +80,29 @@ bool GrowthLimit::keeps_from(std::int64_t enough, const Front<forward>& front, c
   reverse_unit(circle);
   // Heights that do not fit are enough in any case.
   enough = std::min(enough, most_height_ - circle.length());
-  return highest_score(front, circle, enough) < enough;
+  return highest_score(front, circle, enough, most_bases_of(circle)) < enough;
 }
 
 template bool GrowthLimit::keeps_from(std::int64_t enough, const Front<true>& front, const UnitCircle& circle);
 template bool GrowthLimit::keeps_from(std::int64_t enough, const Front<false>& front, const UnitCircle& circle);
+
+template <bool forward>
+std::int64_t GrowthLimit::highest_gain_ahead(const Front<forward>& front, std::int64_t height,
+                                             std::int64_t unit_bases) {
+  // They stand for a unit, to whose end no way may come.
+  const std::int64_t length = std::min(unit_bases, most_bases_ahead);
+  if (length <= 2 * lanes) return unknown;
+  const UnitCircle ahead =
+      forward ? UnitCircle{front.unit, front.unit + length} : UnitCircle{front.unit + 1 - length, front.unit + 1};
+  Front<forward> start = front;
+  start.score = height - length;
+  reverse_unit(ahead);
+  const std::int64_t highest = highest_score(start, ahead, most_height - length, length - 2 * lanes);
+  return highest == unknown ? unknown : highest - start.score;
+}
+
+template std::int64_t GrowthLimit::highest_gain_ahead(const Front<true>&, std::int64_t, std::int64_t);
+template std::int64_t GrowthLimit::highest_gain_ahead(const Front<false>&, std::int64_t, std::int64_t);
 
 void GrowthLimit::reverse_unit(const UnitCircle& circle) {
   if (reversed_.begin == circle.begin && reversed_.end == circle.end) return;
@@ -102,14 +121,14 @@ void GrowthLimit::reverse_unit(const UnitCircle& circle) {
 /// base to lower ones. An indel leads from a row to the next one and to a neighbouring diagonal, a match or a mismatch
 /// to the one after that and on the same diagonal.
 template <bool forward>
-std::int64_t GrowthLimit::highest_score(const Front<forward>& front, const UnitCircle& circle,
-                                        std::int64_t enough) const {
+std::int64_t GrowthLimit::highest_score(const Front<forward>& front, const UnitCircle& circle, std::int64_t enough,
+                                        std::int64_t most_bases) const {
   const std::int64_t length = circle.length();
   const char* sequence = (forward ? front.position : front.position - 1) - lanes / 2;  // the base for lane 0
   // As many bases as can be taken before a load leaves the bytes around the sequence.
   constexpr auto padding = static_cast<std::int64_t>(faststring::padding);
   const std::int64_t room = forward ? end_ + padding - sequence - lanes - 1 : sequence - (begin_ - padding);
-  const std::int64_t most_bases = std::min(room, 4 * length + 256);
+  most_bases = std::min(room, most_bases);
   const std::int64_t phase = front.unit - circle.begin + lanes / 2;  // for lane 0
   std::int64_t unit = length - 1 - phase % length;                   // where it stands in the reversed unit
 

@@ -28,12 +28,24 @@ class GrowthLimit {
   template <bool forward>
   bool keeps_from(std::int64_t enough, const Front<forward>& front, const UnitCircle& circle);
 
+  /// From here on `highest_gain_ahead` can tell most: ways that only insert or delete bases stay on the diagonals.
+  std::int64_t most_height_ahead() const { return std::min<std::int64_t>(most_height, 13 * std::int64_t{indel_cost_}); }
+
+  /// The most that any walk gains from `front` on, where it has stopped at a height above the bound of permitted steps
+  /// of `height` or less. `unknown` if that cannot be told from the next `unit_bases` of its unit, which must not reach
+  /// beyond where it begins anew; of more than `most_bases_ahead` the nearest are looked at.
+  template <bool forward>
+  std::int64_t highest_gain_ahead(const Front<forward>& front, std::int64_t height, std::int64_t unit_bases);
+
+  static constexpr std::int64_t most_bases_ahead = 250;
+  static constexpr std::int64_t unknown = INT64_MAX / 4;
+
  private:
   using Height = std::uint8_t;  ///< of a score above the bound of permitted steps; 0 where no way leads
   static constexpr std::int64_t lanes = 16;
-  static constexpr std::int64_t most_height = 250;   ///< four matches more still fit
-  static constexpr std::int64_t longest_unit = 250;  ///< reversing longer ones would cost as much as the walks
-  static constexpr std::int64_t unknown = INT64_MAX;
+  static constexpr std::int64_t most_height = 250;  ///< four matches more still fit
+  static constexpr std::int64_t longest_unit =
+      most_bases_ahead;  ///< reversing longer ones would cost as much as the walks
 
   /// Whether all heights up to that of `highest_score` can be told apart, and ways that do little but insert or delete
   /// bases stay on the diagonals.
@@ -42,12 +54,17 @@ class GrowthLimit {
            circle.length() + highest_score <= most_height_;
   }
 
+  /// Ways of walks that lead further are left to these.
+  static std::int64_t most_bases_of(const UnitCircle& circle) { return 4 * circle.length() + 256; }
+
   void reverse_unit(const UnitCircle& circle);
 
   /// The highest score on any way from a front that has stopped; `unknown` if it is `enough` or more, or cannot be
   /// told.
+  /// It is also unknown if a way may take more than `most_bases`.
   template <bool forward>
-  std::int64_t highest_score(const Front<forward>& front, const UnitCircle& circle, std::int64_t enough) const;
+  std::int64_t highest_score(const Front<forward>& front, const UnitCircle& circle, std::int64_t enough,
+                             std::int64_t most_bases) const;
 
   const char* const begin_;
   const char* const end_;

@@ -25,6 +25,19 @@ enum class WalkPart : std::uint8_t { whole, rest };
 /// An event at the position where a walk begins.
 enum class BeginEvent : std::uint8_t { none, deletion, unknown };
 
+/// What a walk comes to.
+struct Foresight {
+  std::int64_t score;         ///< the highest so far
+  std::int64_t spare_height;  ///< with a lower height, by up to so much, the outcome would be lower by as much
+
+  /// With what becomes of the walk from a stop on.
+  std::optional<Foresight> take(std::int64_t score_at_stop, std::int64_t height, const WalkOutlook& outlook) const {
+    const std::int64_t highest = std::max(score, score_at_stop + outlook.gain);
+    if (score_at_stop + outlook.limit > highest) return std::nullopt;
+    return Foresight{highest, std::min(spare_height, height - outlook.lowest)};
+  }
+};
+
 /// One direction of the extension of one record.
 template <bool forward>
 class ImperfectWalk {
@@ -98,6 +111,58 @@ class ImperfectWalk {
     adopt(best);
     aids.spare_height = spare.of_walk();
     return pauses;
+  }
+
+  /// The outcome of the walk, if that can be told because it is over before it has used its unit up. The record is left
+  /// as it is.
+  std::optional<Foresight> foresee() {
+    aids.end_at(limit);
+    aids.course.begin_walk();
+    FrontState front = FrontState::of(sat);
+    const char* const begin = front.position;
+    bool way_is_free = runs.extend_exact(front, limit, rules);
+    std::int64_t rest = circle.length() - std::abs(front.position - begin);
+    Foresight foresight{front.score, StepChoice::any_height};
+    std::int64_t most_height = aids.growth_limit.most_height_ahead();
+    int questions = 2;
+    while (rest > 0) {
+      foresight.score = std::max(foresight.score, front.score);
+      const std::int64_t height = front.score - bound;
+      if (!way_is_free || front.position == limit) return end_course(front, WalkOutlook(), 0, foresight);
+      const auto* const stop = aids.course.find(front);
+      if (stop != nullptr && aids.course.holds(*stop, circle, height)) {
+        aids.course.join(front);
+        return foresight.take(front.score, height, stop->outlook);
+      }
+      const std::int64_t mildest = std::max(rules.mismatch_score, rules.indel_score);
+      if (height + mildest <= 0) return end_course(front, {1, -mildest, 0, 0}, 0, foresight);
+      // Forward the walks of later seeds come here higher and higher, backward lower and lower.
+      if (questions > 0 && height <= (forward ? most_height / 2 : most_height)) {
+        const std::int64_t bases =
+            std::min(forward ? rest : rest - seeds_to_share_limit, GrowthLimit::most_bases_ahead);
+        const std::int64_t gain = aids.growth_limit.highest_gain_ahead(front, most_height, bases);
+        if (front.score + gain <= foresight.score)
+          return end_course(front, {1, most_height, 0, gain}, bases, foresight);
+        most_height /= 2;
+        --questions;
+      }
+      const FrontState before = front;
+      if (stop != nullptr && aids.course.go_on(circle, height, front)) {
+        foresight.spare_height = std::min(foresight.spare_height, height - stop->step.lowest);
+        rest -= std::abs(front.unit - before.unit);
+        continue;
+      }
+      UnitRuns::View view;
+      const StepChoice step = step_by_view(front, view);
+      foresight.spare_height = std::min(foresight.spare_height, height - step.lowest);
+      front = after_step(step.kind, front);
+      way_is_free = take_run(view, step.kind, front);
+      const std::int64_t bases = std::abs(front.position - before.position);
+      const std::int64_t moved = bases + (step.kind == 'D' ? 1 : step.kind == 'I' ? -1 : 0);
+      aids.course.note(before, step, moved, rest);
+      rest -= moved;
+    }
+    return std::nullopt;
   }
 
   /// What is known before the walk of the event that would be noted where it begins, if the score is at least that of
@@ -199,6 +264,13 @@ class ImperfectWalk {
       guides.leave();
     }
     return step;
+  }
+
+  /// At a stop from which on so many unit bases matter.
+  std::optional<Foresight> end_course(const FrontState& front, const WalkOutlook& outlook, std::int64_t unit_bases,
+                                      const Foresight& foresight) {
+    aids.course.end(front, outlook, unit_bases);
+    return foresight.take(front.score, front.score - bound, outlook);
   }
 
   StepChoice step_by_memo(const FrontState& front, UnitRuns::View& view) {
@@ -465,6 +537,8 @@ class ImperfectWalk {
     stretches->back().end = state.stretch_end;
   }
 
+  /// Each next one has a unit base less to go backward.
+  static constexpr std::int64_t seeds_to_share_limit = 32;
   /// Enough for a walk that goes on to gain something.
   static constexpr std::int64_t bases_of_view = 64;
   /// Walks that are over by then would write much into the memo that nobody asks for.
@@ -521,6 +595,21 @@ Growth CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids, std::int6
   const bool pauses = backward.run(WalkPart::whole, bases_to_pause);
   seed.remove_Ns_at_ends();
   return pauses ? Growth::paused_backward : Growth::finished;
+}
+
+std::optional<std::int64_t> CSearchController::foresee_score(Csat& seed, GrowthAids& aids) const {
+  if (rules.maximum_depth == 0) return std::nullopt;  // no step is taken
+  const UnitCircle unit{seed.unit_begin, seed.unit_end};
+  const auto forward =
+      ImperfectWalk<true>(seed, unit, seq.end(), rules, planes, seq.begin(), aids.forward, nullptr).foresee();
+  if (!forward) return std::nullopt;
+  seed.score = forward->score;
+  const auto backward =
+      ImperfectWalk<false>(seed, unit, seq.begin(), rules, planes, seq.begin(), aids.backward, nullptr).foresee();
+  seed.score = 0;
+  if (!backward) return std::nullopt;
+  aids.forward.spare_height = forward->spare_height;
+  return backward->score;
 }
 
 bool CSearchController::grow_on(Csat& sat, GrowthAids& aids, std::int64_t bases_to_pause) const {

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <list>
 #include <map>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -113,6 +114,11 @@ class ImperfectPass {
     spare->seed(p, p + unit_length_);
     // No run of matches in it is as long as the minimum score.
     if (aids.growth_limit.keeps_below(*spare, minimum_.score)) return end_of_like(p, minimum_.score);
+    if (unit_length_ >= shortest_unit_foreseen && aids.foresight.is_due()) {
+      const std::optional<std::int64_t> score = controller_.foresee_score(*spare, aids);
+      aids.foresight.count(score.has_value());
+      if (score && *score < minimum_.score) return end_of_like(p, aids.forward.spare_height);
+    }
     growth = controller_.grow_imperfect(*spare, aids, bases_to_pause);
     if (growth != Growth::finished) {
       if (is_kept_and_known(*spare, growth, aids)) return p;
@@ -249,6 +255,8 @@ class ImperfectPass {
   }
 
   static constexpr std::int64_t shortest_long_repeat = 512;
+  /// The walks of shorter ones are not long enough.
+  static constexpr std::int64_t shortest_unit_foreseen = 64;
 
   const CSearchController& controller_;
   const std::int64_t unit_length_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "search/lookahead_space.h"
 #include "search/step_memo.h"
 #include "search/view_memo.h"
+#include "search/walk_course.h"
 #include "search/walk_guides.h"
 #include "search/walk_trail.h"
 
@@ -20,6 +22,7 @@ struct WalkAids {
   StepMemo<forward> memo;
   ViewMemo<forward> view_memo;
   WalkTrail<forward> trail;
+  WalkCourse<forward> course;
   LookaheadSpace space;
   FrontSet<forward> level;  ///< working space of the lookahead outside the window
   FrontSet<forward> next_level;
@@ -31,23 +34,44 @@ struct WalkAids {
 
   /// To be called before a walk that has to end at `limit`: what was remembered holds for one limit only.
   void begin_walk(const UnitCircle& circle, const char* limit) {
-    if (limit != limit_) {
-      guides.forget();
-      memo.forget();
-      view_memo.forget();
-      trail.forget();
-      limit_ = limit;
-    }
+    end_at(limit);
     guides.begin_walk(circle);
     trail.begin_walk(circle);
   }
 
+  /// The same before one of which only the outcome is asked for.
+  void end_at(const char* limit) {
+    if (limit == limit_) return;
+    guides.forget();
+    memo.forget();
+    view_memo.forget();
+    trail.forget();
+    course.forget();
+    limit_ = limit;
+  }
+
   /// The sequence, half-open range.
   WalkAids(const char* begin, const char* end, const ExtensionRules& rules, GrowthLimit& limit_of_growth)
-      : growth_limit(limit_of_growth), guides(begin, end, rules), memo(begin), trail(begin, end) {}
+      : growth_limit(limit_of_growth), guides(begin, end, rules), memo(begin), trail(begin, end), course(begin) {}
 
  private:
   const char* limit_ = nullptr;
+};
+
+/// Whether it pays to ask for the outcome of a walk before it: not where it could not be told for the last ones.
+class ForesightPace {
+ public:
+  bool is_due() { return waits_ == 0 || waits_-- == 0; }
+  /// To be told of each question.
+  void count(bool was_told) {
+    pause_ = was_told ? 0 : std::min(2 * pause_ + 1, longest_pause);
+    waits_ = pause_;
+  }
+
+ private:
+  static constexpr int longest_pause = 7;
+  int pause_ = 0;
+  int waits_ = 0;
 };
 
 /// Both directions of one thread, and what can be told before a walk.
@@ -55,6 +79,7 @@ struct GrowthAids {
   GrowthLimit growth_limit;
   WalkAids<true> forward;
   WalkAids<false> backward;
+  ForesightPace foresight;
 
   /// Of the record grown last, in both directions.
   std::vector<GuidedStretch> untold() const {
