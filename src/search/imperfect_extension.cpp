@@ -125,7 +125,7 @@ class ImperfectWalk {
     Foresight foresight{front.score, StepChoice::any_height};
     std::int64_t most_height = aids.growth_limit.most_height_ahead();
     int questions = 2;
-    while (rest > 0) {
+    while (rest > 0 && !aids.course.is_full()) {
       foresight.score = std::max(foresight.score, front.score);
       const std::int64_t height = front.score - bound;
       if (!way_is_free || front.position == limit) return end_course(front, WalkOutlook(), 0, foresight);
@@ -141,8 +141,9 @@ class ImperfectWalk {
         const std::int64_t bases =
             std::min(forward ? rest : rest - seeds_to_share_limit, GrowthLimit::most_bases_ahead);
         const std::int64_t gain = aids.growth_limit.highest_gain_ahead(front, most_height, bases);
-        if (front.score + gain <= foresight.score)
+        if (front.score + gain <= foresight.score) {
           return end_course(front, {1, most_height, 0, gain}, bases, foresight);
+        }
         most_height /= 2;
         --questions;
       }

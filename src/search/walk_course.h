@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -31,8 +32,7 @@ class WalkCourse {
   struct StepRange {
     std::int64_t lowest;
     std::int64_t highest;
-    std::int64_t
-        unit_end;  ///< one past the last unit base seen for it and on the run behind it, in the walk's direction
+    std::int64_t unit_end;  ///< one past the last unit base seen for it and for the run behind it, as the walk goes
 
     bool holds(std::int64_t height) const { return lowest <= height && height <= highest; }
   };
@@ -44,7 +44,7 @@ class WalkCourse {
     const char* unit;
     std::int64_t gain;  ///< of score, up to the next stop
     StepRange step;
-    std::int64_t unit_end;  ///< one past the last unit base seen from here on, in the walk's direction
+    std::int64_t unit_end;  ///< one past the last unit base seen from here on, as the walk goes
     WalkOutlook outlook;
   };
 
@@ -101,6 +101,9 @@ class WalkCourse {
                     {step.lowest, step.highest, seen <= rest ? number_of(front.unit) + seen : beyond_any_unit}});
   }
 
+  /// Whether the present walk has noted so many steps that it should be left to itself.
+  bool is_full() const { return own_.size() >= most_steps; }
+
   /// The present walk goes on along the course from a stop on that was found last.
   void join(const Front<forward>& front) { put_own_before(front.score); }
 
@@ -121,6 +124,7 @@ class WalkCourse {
   };
 
   static constexpr std::int64_t beyond_any_unit = INT64_MAX;
+  static constexpr std::size_t most_steps = std::size_t{1} << 15;
 
   /// Of a unit base, rising in the direction of the walk.
   std::int64_t number_of(const char* unit) const { return forward ? unit - first_base_ : first_base_ - unit; }
