@@ -44,8 +44,8 @@ class GrowthLimit {
   using Height = std::uint8_t;  ///< of a score above the bound of permitted steps; 0 where no way leads
   static constexpr std::int64_t lanes = 16;
   static constexpr std::int64_t most_height = 250;  ///< four matches more still fit
-  static constexpr std::int64_t longest_unit =
-      most_bases_ahead;  ///< reversing longer ones would cost as much as the walks
+  /// Reversing longer ones would cost as much as the walks.
+  static constexpr std::int64_t longest_unit = most_bases_ahead;
 
   /// Whether all heights up to that of `highest_score` can be told apart, and ways that do little but insert or delete
   /// bases stay on the diagonals.

@@ -61,7 +61,12 @@ struct WalkAids {
 /// Whether it pays to ask for the outcome of a walk before it: not where it could not be told for the last ones.
 class ForesightPace {
  public:
-  bool is_due() { return waits_ == 0 || waits_-- == 0; }
+  /// To be asked once for each walk.
+  bool is_due() {
+    if (waits_ == 0) return true;
+    --waits_;
+    return false;
+  }
   /// To be told of each question.
   void count(bool was_told) {
     pause_ = was_told ? 0 : std::min(2 * pause_ + 1, longest_pause);
