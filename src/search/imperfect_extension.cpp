@@ -131,8 +131,9 @@ class ImperfectWalk {
       if (!way_is_free || front.position == limit) return end_course(front, WalkOutlook(), 0, foresight);
       const auto* const stop = aids.course.find(front);
       if (stop != nullptr && aids.course.holds(*stop, circle, height)) {
+        const std::optional<Foresight> outcome = foresight.take(front.score, height, stop->outlook);
         aids.course.join(front);
-        return foresight.take(front.score, height, stop->outlook);
+        return outcome;
       }
       const std::int64_t mildest = std::max(rules.mismatch_score, rules.indel_score);
       if (height + mildest <= 0) return end_course(front, {1, -mildest, 0, 0}, 0, foresight);

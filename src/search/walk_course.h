@@ -57,8 +57,8 @@ class WalkCourse {
   /// To be called before a walk.
   void begin_walk() { own_.clear(); }
 
-  /// The stop of the course at which a walk has stopped; null if there is none. Fronts must come in the order of the
-  /// walk.
+  /// The stop of the course at which a walk has stopped; null if there is none. It is valid until the next call of
+  /// `find`, `join` or `end`. Fronts must come in the order of the walk.
   const Stop* find(const Front<forward>& front) {
     const auto lies_behind = [&front](const Stop& stop) {
       return forward ? stop.position < front.position : stop.position > front.position;
