@@ -54,14 +54,13 @@ class GrowthLimit {
            circle.length() + highest_score <= most_height_;
   }
 
-  /// Ways of walks that lead further are left to these.
+  /// How far the ways with a whole unit are followed.
   static std::int64_t most_bases_of(const UnitCircle& circle) { return 4 * circle.length() + 256; }
 
   void reverse_unit(const UnitCircle& circle);
 
   /// The highest score on any way from a front that has stopped; `unknown` if it is `enough` or more, or cannot be
-  /// told.
-  /// It is also unknown if a way may take more than `most_bases`.
+  /// told, as when a way takes more than `most_bases`.
   template <bool forward>
   std::int64_t highest_score(const Front<forward>& front, const UnitCircle& circle, std::int64_t enough,
                              std::int64_t most_bases) const;

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <initializer_list>
 #include <list>
+#include <random>
+#include <string>
+#include <vector>
 
 #include "search/CSearchController.h"
 #include "search/run_status.h"
@@ -38,6 +42,36 @@ inline std::vector<std::string> described(const Sequence& sequence, const std::l
   for (const Csat* sat : sats) texts.push_back(described(sequence, *sat));
   return texts;
 }
+
+/// Choices that are the same on every machine.
+class Random {
+ public:
+  explicit Random(unsigned seed) : engine_(seed) {}
+  unsigned below(unsigned n) { return static_cast<unsigned>(engine_() % n); }
+  bool percent(unsigned p) { return below(100) < p; }
+  template <typename Value>
+  Value pick(std::initializer_list<Value> values) {
+    return *(values.begin() + below(static_cast<unsigned>(values.size())));
+  }
+  std::string bases(std::size_t count, const std::string& letters = "ACGT") {
+    std::string text;
+    while (text.size() < count) text += letters[below(static_cast<unsigned>(letters.size()))];
+    return text;
+  }
+  /// One of `rate` bases is a mismatch, an insertion or a deletion; none if it is 0.
+  std::string copy(const std::string& text, unsigned rate) {
+    std::string copied;
+    for (const char base : text) {
+      const unsigned number = rate == 0 ? 9 : below(rate);
+      if (number == 0 || number == 1) copied += bases(1);
+      if (number != 0 && number != 2) copied += base;
+    }
+    return copied;
+  }
+
+ private:
+  std::mt19937 engine_;
+};
 
 /// A fixture whose parameters may be set before any of its functions is called.
 class SearchTest : public WithParameters {

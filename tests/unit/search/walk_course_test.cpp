@@ -3,7 +3,6 @@
 #include "search/walk_course.h"
 
 #include <algorithm>
-#include <random>
 #include <string>
 #include <type_traits>
 
@@ -12,24 +11,7 @@
 
 namespace {
 
-class Random {
- public:
-  explicit Random(unsigned seed) : engine_(seed) {}
-  unsigned below(unsigned n) { return static_cast<unsigned>(engine_() % n); }
-  template <typename Value>
-  Value pick(std::initializer_list<Value> values) {
-    return *(values.begin() + below(static_cast<unsigned>(values.size())));
-  }
-  std::string bases(std::size_t count, const char* letters) {
-    std::string text;
-    const auto kinds = static_cast<unsigned>(std::char_traits<char>::length(letters));
-    while (text.size() < count) text += letters[below(kinds)];
-    return text;
-  }
-
- private:
-  std::mt19937 engine_;
-};
+using test::Random;
 
 /// Copies of a unit, so many percent of whose bases are others, are left out or have one more before them, with
 /// stretches of other bases: walks that cross these are low, and rise again.
