@@ -55,16 +55,22 @@ class ReportText {
 
   /// As "%*d", `width` at most 32.
   void put_number(std::int64_t number, std::size_t width = 0) {
-    std::array<char, 20> digits;
-    const auto result = std::to_chars(digits.begin(), digits.end(), number);
-    const auto length = static_cast<std::size_t>(result.ptr - digits.data());
-    const std::size_t blanks = std::max(width, length) - length;
-    // Numbers are many: more bytes than are needed, but always as many, take no call.
-    make_room(32 + sizeof digits);
+    // Numbers are many, nearly all of them fit into their columns: they are written where they stay. More blanks than are
+    // needed, but always as many, take no call.
+    make_room(32);
     char* const at = buffer_.data() + used_;
     std::memset(at, ' ', 32);
-    std::memcpy(at + blanks, digits.data(), sizeof digits);
-    used_ += blanks + length;
+    std::int64_t rest = number;
+    for (char* digit = at + width; digit > at && rest >= 0;) {
+      *--digit = static_cast<char>('0' + rest % 10);
+      rest /= 10;
+      if (rest > 0) continue;
+      used_ += width;
+      return;
+    }
+    std::array<char, 20> digits;
+    const auto result = std::to_chars(digits.begin(), digits.end(), number);
+    put_aligned({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())}, width);
   }
 
   /// As "%*.3f". Room for any ratio of two 64-bit numbers in percent.
