@@ -55,8 +55,8 @@ class ReportText {
 
   /// As "%*d", `width` at most 32.
   void put_number(std::int64_t number, std::size_t width = 0) {
-    // Numbers are many, nearly all of them fit into their columns: they are written where they stay. More blanks than are
-    // needed, but always as many, take no call.
+    // Numbers are many, nearly all of them fit into their columns: they are written where they stay. More blanks than
+    // are needed, but always as many, take no call.
     make_room(32);
     char* const at = buffer_.data() + used_;
     std::memset(at, ' ', 32);
