@@ -286,43 +286,18 @@ class ImperfectWalk {
   }
 
   StepChoice step_by_view(const FrontState& front, UnitRuns::View& view) {
-    if (++steps_without_memo <= steps_before_view_memo && !view_memo.pays()) return found_step(front);
+    const bool memo_pays = view_memo.pays();
+    if (++steps_without_memo <= steps_before_view_memo && !memo_pays) return found_step(front);
     runs.look(front, limit, view);
-    const std::int64_t room = UnitRuns::room(front, limit);
-    if (room < UnitRuns::width) return step_at_end(front, view, room);
     if (!view.is_whole) return found_step(front);
-    const std::int64_t height = front.score - bound;
-    const NearView<forward> near(view);
-    StepChoice step = view_memo.near.step_at(near, height);
+    const NearView<forward> seen(view);
+    if (!memo_pays && !view_memo.is_sample(seen)) return found_step(front);
+    StepChoice step = view_memo.step_at(seen, front.score - bound);
+    view_memo.count(step.kind != '?');
     if (step.kind == '?') {
-      const FarView<forward> far(view, runs.bases_behind_view(front));
-      step = view_memo.far.step_at(far, height);
-      if (step.kind == '?') {
-        view_memo.count(false);
-        return noted_step(front, near, far);
-      }
+      step = found_step(front);
+      view_memo.note(seen, step);
     }
-    view_memo.count(true);
-    return step;
-  }
-
-  StepChoice noted_step(const FrontState& front, const NearView<forward>& near, const FarView<forward>& far) {
-    const StepChoice step = found_step(front);
-    if (near.tells(step)) {
-      view_memo.near.note(near, step);
-    } else {
-      view_memo.far.note(far, step);
-    }
-    return step;
-  }
-
-  StepChoice step_at_end(const FrontState& front, const UnitRuns::View& view, std::int64_t room) {
-    const FarView<forward> far(static_cast<std::uint64_t>(room), view, runs.bases_behind_view(front));
-    StepChoice step = view_memo.at_end.step_at(far, front.score - bound);
-    if (step.kind != '?') return step;
-    step = found_step(front);
-    step.unit_bases_seen = std::min(step.unit_bases_seen, room + rules.maximum_depth);
-    view_memo.at_end.note(far, step);
     return step;
   }
 

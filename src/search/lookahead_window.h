@@ -9,6 +9,7 @@
 #include "search/base_planes.h"
 #include "search/front.h"
 #include "search/lag_matches.h"
+#include "search/lookahead_sets.h"
 #include "search/lookahead_space.h"
 #include "search/lookahead_way.h"
 #include "search/step_choice.h"
@@ -52,6 +53,8 @@ class LookaheadWindow {
   StepChoice choose(const Front<forward>& front, const char* limit) {
     const StepChoice last = choose_last_step(front, limit);
     if (last.kind != '?') return last;
+    const StepChoice found = choose_on_sets(front, limit);
+    if (found.kind != '?') return found;
     if (!usable_ || !locate(front, limit)) return {};
     Place here{position_, drift_};
     const bool plain = no_long_run_in_reach(here.position, rules_.maximum_depth);
@@ -93,6 +96,31 @@ class LookaheadWindow {
     }
     // A deletion leaves a unit base out, and behind a run a base is seen that does not match.
     return first.choice(runs.longest() + 2);
+  }
+
+  /// The choice where the score permits every step, with the usual depth and as much for a mismatch as for an indel.
+  /// '?' otherwise, near N, and where 64 bases are too few to tell.
+  StepChoice choose_on_sets(const Front<forward>& front, const char* limit) const {
+    constexpr std::int64_t depth = LookaheadSets::depth;
+    const std::int64_t step_score = rules_.mismatch_score;
+    if (rules_.maximum_depth != depth || rules_.indel_score != step_score) return {};
+    if (front.score + circle_.length() + depth * step_score <= 0) return {};
+    const std::int64_t room = UnitRuns::room(front, limit);
+    const std::int64_t first = front.position - first_base_ - (forward ? 0 : width);
+    const std::int64_t begin = std::max<std::int64_t>(first, 0);
+    const std::int64_t outside = begin - first;  // bases; backward, where the sequence begins
+    const std::uint64_t inside = forward ? low_bits(room) : ~low_bits(outside);
+    if ((planes_.unknown_bits(begin) << outside & inside) != 0) return {};
+    TwoPlanes<std::uint64_t> sequence{planes_.low_bits(begin) << outside, planes_.high_bits(begin) << outside};
+    TwoPlanes<Bits128> unit = unit_bases(front.unit - circle_.begin - (forward ? depth : 2 * width - 1 - depth));
+    if (!forward) {
+      sequence = {reversed(sequence.low), reversed(sequence.high)};
+      unit = {reversed(unit.low), reversed(unit.high)};
+    }
+    SetsChoice choice;
+    if (!LookaheadSets::choose(sequence, unit, room, -step_score, choice)) return {};
+    return {letter_of(choice.step), choice.bases_seen + depth, 1 - choice.steps_needed * step_score,
+            StepChoice::any_height};
   }
 
   static Place after_mismatch(const Place& p) { return {p.position + 1, p.drift}; }
@@ -328,11 +356,7 @@ class LookaheadWindow {
     if (planes_.unknown_bits(first) != 0) return false;
     // Bit j of the repeated unit is the unit base j steps after this one.
     const std::int64_t start = front.unit - circle_.begin - drift_limit_ - (forward ? 0 : width - 1);
-    const std::int64_t phase = runs_.wrapped(start);
-    const std::int64_t later = runs_.wrapped(phase + width);
-    const TwoPlanes<Bits128> unit{joined(runs_.low_bits(phase), runs_.low_bits(later)),
-                                  joined(runs_.high_bits(phase), runs_.high_bits(later))};
-    long_runs_ = compare_at_lags({planes_.low_bits(first), planes_.high_bits(first)}, unit,
+    long_runs_ = compare_at_lags({planes_.low_bits(first), planes_.high_bits(first)}, unit_bases(start),
                                  static_cast<std::size_t>(2 * drift_limit_ + 1), static_cast<unsigned>(long_run_),
                                  forward, lags_);
     has_prospects_ = false;
@@ -341,6 +365,24 @@ class LookaheadWindow {
 
   /// Where the comparisons at a drift stand.
   std::int64_t lag_number(std::int64_t drift) const { return drift_limit_ + (forward ? -drift : drift); }
+
+  /// 128 bases of the repeated unit, from base number `start` on, which may lie before the unit.
+  TwoPlanes<Bits128> unit_bases(std::int64_t start) const {
+    const std::int64_t phase = runs_.wrapped(start);
+    const std::int64_t later = runs_.wrapped(phase + width);
+    return {joined(runs_.low_bits(phase), runs_.low_bits(later)),
+            joined(runs_.high_bits(phase), runs_.high_bits(later))};
+  }
+
+  static std::uint64_t reversed(std::uint64_t bits) {
+    bits = (bits >> 1 & 0x5555555555555555U) | (bits & 0x5555555555555555U) << 1;
+    bits = (bits >> 2 & 0x3333333333333333U) | (bits & 0x3333333333333333U) << 2;
+    bits = (bits >> 4 & 0x0F0F0F0F0F0F0F0FU) | (bits & 0x0F0F0F0F0F0F0F0FU) << 4;
+    return __builtin_bswap64(bits);
+  }
+  static Bits128 reversed(const Bits128& bits) {
+    return joined(reversed(static_cast<std::uint64_t>(bits >> 64)), reversed(static_cast<std::uint64_t>(bits)));
+  }
 
   static Bits128 joined(std::uint64_t low, std::uint64_t high) { return (Bits128{high} << 64) | low; }
 

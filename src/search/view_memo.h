@@ -8,7 +8,7 @@
 #include "search/step_choice.h"
 #include "search/unit_runs.h"
 
-/// The bases that a walk sees from where it has stopped: the nearest of a view, which are enough for most steps.
+/// The bases that a walk sees from where it has stopped: the nearest of a view, which are enough for nearly all steps.
 template <bool forward>
 class NearView {
  public:
@@ -39,46 +39,18 @@ class NearView {
   std::uint64_t rest_ = 0;  ///< of the unit
 };
 
-/// All of a view, and as many unit bases behind it as can be left out within the lookahead.
-template <bool forward>
-class FarView {
- public:
-  FarView() = default;
-  FarView(const UnitRuns::View& view, const UnitRuns::Bases& unit_bases_behind)
-      : sequence_(view.sequence),
-        unit_(view.unit),
-        behind_(nearest(unit_bases_behind.low) << bases_behind | nearest(unit_bases_behind.high)) {}
-
-  /// Where the sequence ends within the view: `position` tells of its bases.
-  FarView(std::uint64_t position, const UnitRuns::View& view, const UnitRuns::Bases& unit_bases_behind)
-      : FarView({{position, 0}, view.unit}, unit_bases_behind) {}
-
-  static bool tells(const StepChoice& step) { return step.unit_bases_seen <= 64 + bases_behind; }
-
-  bool operator==(const FarView& other) const {
-    return sequence_ == other.sequence_ && unit_ == other.unit_ && behind_ == other.behind_;
-  }
-  std::size_t hash() const { return UnitRuns::hash(sequence_, unit_) ^ behind_; }
-
- private:
-  static constexpr int bases_behind = 8;
-
-  static std::uint32_t nearest(std::uint64_t bits) {
-    return static_cast<std::uint32_t>(forward ? bits & ((1U << bases_behind) - 1) : bits >> (64 - bases_behind));
-  }
-
-  UnitRuns::Bases sequence_;
-  UnitRuns::Bases unit_;
-  std::uint32_t behind_ = 0;
-};
-
-/// Steps by what was seen when they were chosen.
+/// The steps that earlier walks found best, by the bases that they saw from where they had stopped.
+///
+/// Nothing else matters to a step but what the score permits. The copies of a satellite are alike, and so are the units
+/// taken from them: walks of different units may come to the same view again and again, and so may one walk.
 ///
 /// The table is a cache: a place holds one step, and a later one takes its place. It owns its memory, which it takes
-/// with the first note.
-template <typename View, std::size_t slots = std::size_t{1} << 14>
-class StepTable {
+/// with the first note. It belongs to one direction, one limit of the walks and one set of rules.
+template <bool forward>
+class ViewMemo {
  public:
+  using View = NearView<forward>;
+
   void forget() { entries_.clear(); }
 
   /// The step noted for a walk that sees this at this height above the bound; '?' if there is none.
@@ -97,9 +69,19 @@ class StepTable {
                                      static_cast<std::uint8_t>(step.unit_bases_seen), step.kind};
   }
 
+  /// Whether views come again so often that it is faster to ask for a step than to find it: a question takes a third of
+  /// that time, and a note as much again. To be told of what was asked.
+  bool pays() const { return found_ > 0; }
+  void count(bool was_found) { found_ = std::clamp(found_ + (was_found ? 1 : -1), -most_counted, most_counted); }
+  /// Those that should be asked for even where it does not pay, so that it is known when it does: always the same ones.
+  static bool is_sample(const View& view) { return view.hash() / slots % 32 == 0; }
+
  private:
+  static constexpr std::size_t slots = std::size_t{1} << 14;
+  static constexpr int most_counted = 500;
+
   /// In one line of the memory cache: most of the time of a question is spent on waiting for it.
-  struct alignas(sizeof(View) <= 24 ? 32 : 64) Entry {
+  struct alignas(32) Entry {
     View view;
     std::int16_t lowest = 0;
     std::uint8_t unit_bases_seen = 0;
@@ -107,35 +89,5 @@ class StepTable {
   };
 
   std::vector<Entry> entries_;
-};
-
-/// The steps that earlier walks found best, by the bases that they saw from where they had stopped.
-///
-/// Nothing else matters to a step but what the score permits. The copies of a satellite are alike, and so are the units
-/// taken from them: walks of different units come to the same view again and again, and so does one walk.
-///
-/// It belongs to one direction, one limit of the walks and one set of rules.
-template <bool forward>
-class ViewMemo {
- public:
-  StepTable<NearView<forward>> near;
-  StepTable<FarView<forward>> far;
-  StepTable<FarView<forward>, 4096> at_end;  ///< of less than 64 bases
-
-  void forget() {
-    near.forget();
-    far.forget();
-    at_end.forget();
-  }
-
-  /// Whether the views of a walk come again so often, as it is in satellites, that even its first steps should be asked
-  /// for and noted. To be told of what was asked.
-  bool pays() const { return found_ > 0; }
-  void count(bool was_found) {
-    found_ = was_found ? std::min(found_ + 1, most_counted) : std::max(found_ - 5, -most_counted);
-  }
-
- private:
-  static constexpr int most_counted = 500;
   int found_ = -most_counted;
 };

@@ -67,10 +67,13 @@ class Definition {
   const char* const limit_;
 };
 
+/// With the usual rules sets of places decide where everything is permitted.
+enum class Rules : std::uint8_t { any, usual };
+
 class LookaheadWindowTest : public testing::Test {
  protected:
   template <bool forward>
-  static void check(unsigned seed) {
+  static void check(unsigned seed, Rules which = Rules::any) {
     std::mt19937 random(seed);
     const auto between = [&random](std::int64_t low, std::int64_t high) {
       return low + static_cast<std::int64_t>(random() % static_cast<unsigned>(high - low + 1));
@@ -83,8 +86,14 @@ class LookaheadWindowTest : public testing::Test {
     const std::string bases = make_sequence(random, 500, static_cast<std::size_t>(period), rareness);
     const char* const begin = bases.data();
     const char* const end = begin + bases.size();
-    const ExtensionRules rules{-between(2, random() % 2 == 0 ? 3 : 9), -between(2, 12),
-                               between(1, random() % 2 == 0 ? 1 : 5), between(0, 4), random() % 4 == 0};
+    ExtensionRules rules{-between(2, random() % 2 == 0 ? 3 : 9), -between(2, 12), between(1, random() % 2 == 0 ? 1 : 5),
+                         between(0, 4), random() % 4 == 0};
+    std::int64_t least_height = 1;
+    if (which == Rules::usual) {
+      rules.maximum_depth = 5;
+      rules.indel_score = rules.mismatch_score;
+      least_height = std::max<std::int64_t>(1, -5 * rules.mismatch_score - 5);
+    }
     const char* const unit = begin + between(150, 200);
     const UnitCircle circle{unit, unit + length};
     if (std::find(circle.begin, circle.end, 'N') != circle.end) return;
@@ -99,13 +108,16 @@ class LookaheadWindowTest : public testing::Test {
     const UnitCircle longer{forward ? circle.begin : circle.begin - more, forward ? circle.end + more : circle.end};
     const Definition<forward> of_longer(rules, longer, limit);
     Front<forward> front{forward ? circle.end : circle.begin, forward ? circle.begin : circle.end - 1, 0, 0};
+    // The last bases of the sequence.
+    if (which == Rules::usual && random() % 2 == 0)
+      front.position = forward ? end - between(1, 80) : begin + between(1, 80);
     for (std::int64_t i = between(0, length - 1); i > 0; --i) {
       front.take_base();
       front.step_unit(circle);
     }
     for (int stop = 0; stop < 12; ++stop) {
       if (!runs.extend_exact(front, limit, rules) || front.position == limit) break;
-      for (std::int64_t height = 1; height < 60; height += between(1, 8)) {
+      for (std::int64_t height = least_height; height < least_height + 59; height += between(1, 8)) {
         front.score = height - length;
         check_stop(window, definition, front, limit, height, rules);
         const StepChoice choice = can_step(height, rules) ? window.choose(front, limit) : StepChoice();
@@ -192,6 +204,15 @@ TEST_F(LookaheadWindowTest, ChoosesAsDefinedAtEveryHeightThatItNamesAndForTheUni
   EXPECT_GT(chosen, 10000U);
   EXPECT_GT(heights, 20000U);
   EXPECT_GT(units, 5000U);
+}
+
+TEST_F(LookaheadWindowTest, ChoosesSoOnSetsOfPlacesToo) {
+  for (unsigned seed = 0; seed < 100; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    check<true>(seed, Rules::usual);
+    check<false>(seed + 1000000, Rules::usual);
+    if (HasFatalFailure()) return;
+  }
 }
 
 }  // namespace
