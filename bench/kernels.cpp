@@ -9,10 +9,12 @@
 #include <numeric>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "search/CSearchController.h"
 #include "search/growth_limit.h"
 #include "search/lag_filter.h"
+#include "search/lookahead_sets.h"
 #include "search/seed_filter.h"
 #include "sequence/global-types-and-parameters.h"
 
@@ -116,6 +118,41 @@ void tell_before_walks(benchmark::State& state) {
   finish(state, told);
 }
 BENCHMARK(tell_before_walks)->ArgsProduct({{2, 6, 20, 50}, {60, 80}})->Unit(benchmark::kMillisecond);
+
+/// Whole lookaheads from stops in an array, of whose bases so many in a hundred depart from the unit. The result is how
+/// many were told.
+void look_ahead_on_sets(benchmark::State& state) {
+  struct Stop {
+    TwoPlanes<std::uint64_t> sequence{};
+    TwoPlanes<Bits128> unit{};
+  };
+  std::mt19937 random(1);
+  std::vector<Stop> stops(1000);
+  for (Stop& stop : stops) {
+    for (unsigned base = 0; base < 128; ++base) {
+      stop.unit.low |= Bits128{random() % 2} << base;
+      stop.unit.high |= Bits128{random() % 2} << base;
+    }
+    constexpr unsigned first = LookaheadSets::depth;
+    stop.sequence = {static_cast<std::uint64_t>(stop.unit.low >> first) ^ 1,
+                     static_cast<std::uint64_t>(stop.unit.high >> first)};
+    for (unsigned base = 1; base < 64; ++base) {
+      if (static_cast<std::int64_t>(random() % 100) < state.range(0)) stop.sequence.high ^= std::uint64_t{1} << base;
+    }
+  }
+  std::size_t told = 0;
+  for (auto _ : state) {
+    told = 0;
+    for (const Stop& stop : stops) {
+      SetsChoice choice;
+      told += LookaheadSets::choose(stop.sequence, stop.unit, 64, 6, choice) ? 1 : 0;
+      benchmark::DoNotOptimize(choice);
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(stops.size()));
+  state.counters["told"] = static_cast<double>(told);
+}
+BENCHMARK(look_ahead_on_sets)->Arg(2)->Arg(10)->Arg(20);
 
 void search_imperfect(benchmark::State& state) {
   Record record(random_bases(static_cast<unsigned>(state.range(1))));

@@ -133,8 +133,7 @@ constexpr std::uint64_t low_bits(std::int64_t n) {
 
 /// Word 5 - d tells where the bases match with a drift of d.
 constexpr std::size_t lags = 2 * depth + 2;
-inline void compare(const TwoPlanes<std::uint64_t>& sequence, const TwoPlanes<Bits128>& unit, std::uint64_t inside,
-                    std::uint64_t* matches) {
+inline void compare(const TwoPlanes<std::uint64_t>& sequence, const TwoPlanes<Bits128>& unit, std::uint64_t* matches) {
   const auto low_0 = static_cast<std::uint64_t>(unit.low);
   const auto low_1 = static_cast<std::uint64_t>(unit.low >> 64);
   const auto high_0 = static_cast<std::uint64_t>(unit.high);
@@ -142,11 +141,11 @@ inline void compare(const TwoPlanes<std::uint64_t>& sequence, const TwoPlanes<Bi
   for (std::size_t lag = 0; lag < lags; ++lag) {
     const std::uint64_t low = (low_0 >> lag) | (low_1 << 1 << (63 - lag));
     const std::uint64_t high = (high_0 >> lag) | (high_1 << 1 << (63 - lag));
-    matches[lag] = ~((sequence.low ^ low) | (sequence.high ^ high)) & inside;
+    matches[lag] = ~((sequence.low ^ low) | (sequence.high ^ high));
   }
 }
 
-inline void find_places(const std::uint64_t* matches, std::uint64_t inside, PlaceSets& places) {
+inline void find_places(const std::uint64_t* matches, PlaceSets& places) {
   Lanes stops[number_of_sets + 1];
   stops[no_set] = Lanes{};
 #pragma GCC unroll 35
@@ -158,7 +157,7 @@ inline void find_places(const std::uint64_t* matches, std::uint64_t inside, Plac
     if (number == 0) begin = Lanes{2, 2, 1, 0};
     // A carry runs from each place through the matches behind it to the first base that does not match.
     places.of_set[number] = (((begin & match) + match) ^ match) | begin;
-    stops[number] = places.of_set[number] & ~match & inside;
+    stops[number] = places.of_set[number] & ~match;
     places.of_group[set.group] |= places.of_set[number];
   }
 }
@@ -260,11 +259,10 @@ constexpr std::int64_t far_place = 58;
 WITH_WIDE_VECTORS
 bool LookaheadSets::choose(const TwoPlanes<std::uint64_t>& sequence, const TwoPlanes<Bits128>& unit, std::int64_t room,
                            std::int64_t penalty, SetsChoice& choice) {
-  const std::uint64_t inside = low_bits(room);
   std::uint64_t matches[lags];
-  compare(sequence, unit, inside, matches);
+  compare(sequence, unit, matches);
   PlaceSets places;
-  find_places(matches, inside, places);
+  find_places(matches, places);
   if (room <= near_place) return choose_before(room, true, places, penalty, choice);
   return choose_before(near_place, false, places, penalty, choice) ||
          choose_before(std::min(room, far_place), room <= far_place, places, penalty, choice);

@@ -51,10 +51,10 @@ class LookaheadWindow {
   /// The best first step of a walk that has stopped at `front`, of those permitted; '?' if the window cannot tell.
   /// `limit` is where the sequence ends for this direction. At least one kind of step must be permitted.
   StepChoice choose(const Front<forward>& front, const char* limit) {
-    const StepChoice last = choose_last_step(front, limit);
-    if (last.kind != '?') return last;
     const StepChoice found = choose_on_sets(front, limit);
     if (found.kind != '?') return found;
+    const StepChoice last = choose_last_step(front, limit);
+    if (last.kind != '?') return last;
     if (!usable_ || !locate(front, limit)) return {};
     Place here{position_, drift_};
     const bool plain = no_long_run_in_reach(here.position, rules_.maximum_depth);
