@@ -184,7 +184,6 @@ class ImperfectWalk {
 
   /// Goes on to a line, or over it, unless the walk is over before. Returns its leg.
   WalkLeg<forward> go_to_line(const char* line, BundledWalk<forward>& walk) {
-    steps_without_memo = steps_before_view_memo;  // there are many walks
     const auto is_there = [line](const FrontState& front) {
       return forward ? front.position >= line : front.position <= line;
     };
@@ -286,12 +285,10 @@ class ImperfectWalk {
   }
 
   StepChoice step_by_view(const FrontState& front, UnitRuns::View& view) {
-    const bool memo_pays = view_memo.pays();
-    if (++steps_without_memo <= steps_before_view_memo && !memo_pays) return found_step(front);
     runs.look(front, limit, view);
     if (!view.is_whole) return found_step(front);
     const NearView<forward> seen(view);
-    if (!memo_pays && !view_memo.is_sample(seen)) return found_step(front);
+    if (!view_memo.pays() && !view_memo.is_sample(seen)) return found_step(front);
     StepChoice step = view_memo.step_at(seen, front.score - bound);
     view_memo.count(step.kind != '?');
     if (step.kind == '?') {
@@ -518,8 +515,6 @@ class ImperfectWalk {
   static constexpr std::int64_t seeds_to_share_limit = 32;
   /// Enough for a walk that goes on to gain something.
   static constexpr std::int64_t bases_of_view = 64;
-  /// Walks that are over by then would write much into the memo that nobody asks for.
-  static constexpr std::int64_t steps_before_view_memo = 12;
   /// The question costs as much as a step or two.
   static constexpr std::int64_t bases_between_checks = 32;
   static constexpr std::size_t longest_told_stretch = 64;
@@ -545,7 +540,6 @@ class ImperfectWalk {
   FrontSet<forward>& next_level;
   FrontSet<forward>& stops;
   std::vector<GuidedStretch>* const stretches;
-  std::int64_t steps_without_memo = 0;  ///< that the memo of positions does not know
   SpareHeight spare;
 };
 
