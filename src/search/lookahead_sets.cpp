@@ -127,23 +127,8 @@ struct PlaceSets {
   Lanes of_group[number_of_groups] = {};
 };
 
-constexpr std::uint64_t low_bits(std::int64_t n) {
-  return n >= 64 ? ~std::uint64_t{0} : bit(static_cast<std::uint64_t>(n)) - 1;
-}
-
 /// Word 5 - d tells where the bases match with a drift of d.
 constexpr std::size_t lags = 2 * depth + 2;
-inline void compare(const TwoPlanes<std::uint64_t>& sequence, const TwoPlanes<Bits128>& unit, std::uint64_t* matches) {
-  const auto low_0 = static_cast<std::uint64_t>(unit.low);
-  const auto low_1 = static_cast<std::uint64_t>(unit.low >> 64);
-  const auto high_0 = static_cast<std::uint64_t>(unit.high);
-  const auto high_1 = static_cast<std::uint64_t>(unit.high >> 64);
-  for (std::size_t lag = 0; lag < lags; ++lag) {
-    const std::uint64_t low = (low_0 >> lag) | (low_1 << 1 << (63 - lag));
-    const std::uint64_t high = (high_0 >> lag) | (high_1 << 1 << (63 - lag));
-    matches[lag] = ~((sequence.low ^ low) | (sequence.high ^ high));
-  }
-}
 
 inline void find_places(const std::uint64_t* matches, PlaceSets& places) {
   Lanes stops[number_of_sets + 1];
@@ -169,7 +154,7 @@ struct Values {
 
   /// At the places up to this one. Scores are those since the stop, but for the first step.
   Values(const PlaceSets& places, std::int64_t last, std::int64_t penalty) {
-    const std::uint64_t mask = low_bits(last + 1);
+    const std::uint64_t mask = lowest_bits(last + 1);
 #pragma GCC unroll 5
     for (int more_steps = 0; more_steps < depth; ++more_steps) {
       // A base that is taken scores 1, unless the step takes it: moved up by the deletions, bit i has i - `more_steps`.
@@ -260,7 +245,7 @@ WITH_WIDE_VECTORS
 bool LookaheadSets::choose(const TwoPlanes<std::uint64_t>& sequence, const TwoPlanes<Bits128>& unit, std::int64_t room,
                            std::int64_t penalty, SetsChoice& choice) {
   std::uint64_t matches[lags];
-  compare(sequence, unit, matches);
+  compare_bases(sequence, unit, lags, matches);
   PlaceSets places;
   find_places(matches, places);
   if (room <= near_place) return choose_before(room, true, places, penalty, choice);

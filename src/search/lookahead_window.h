@@ -109,13 +109,13 @@ class LookaheadWindow {
     const std::int64_t first = front.position - first_base_ - (forward ? 0 : width);
     const std::int64_t begin = std::max<std::int64_t>(first, 0);
     const std::int64_t outside = begin - first;  // bases; backward, where the sequence begins
-    const std::uint64_t inside = forward ? low_bits(room) : ~low_bits(outside);
+    const std::uint64_t inside = forward ? lowest_bits(room) : ~lowest_bits(outside);
     if ((planes_.unknown_bits(begin) << outside & inside) != 0) return {};
     TwoPlanes<std::uint64_t> sequence{planes_.low_bits(begin) << outside, planes_.high_bits(begin) << outside};
-    TwoPlanes<Bits128> unit = unit_bases(front.unit - circle_.begin - (forward ? depth : 2 * width - 1 - depth));
+    TwoPlanes<Bits128> unit = runs_.bases_from(front.unit - circle_.begin - (forward ? depth : 2 * width - 1 - depth));
     if (!forward) {
-      sequence = {reversed(sequence.low), reversed(sequence.high)};
-      unit = {reversed(unit.low), reversed(unit.high)};
+      sequence = {reversed_bits(sequence.low), reversed_bits(sequence.high)};
+      unit = {reversed_bits(unit.low), reversed_bits(unit.high)};
     }
     SetsChoice choice;
     if (!LookaheadSets::choose(sequence, unit, room, -step_score, choice)) return {};
@@ -303,13 +303,13 @@ class LookaheadWindow {
 
   bool is_in_reach(std::uint64_t long_runs, std::int64_t position, std::int64_t steps) const {
     const std::int64_t count = starts(steps);
-    return (forward ? (long_runs >> position & low_bits(count)) : long_runs << position >> (width - count)) != 0;
+    return (forward ? (long_runs >> position & lowest_bits(count)) : long_runs << position >> (width - count)) != 0;
   }
 
   /// Where long runs begin, but for the places inside this one.
   std::uint64_t long_runs_but(const Run& way) const {
-    const std::uint64_t inside =
-        forward ? low_bits(way.end) & ~low_bits(way.begin) : ~low_bits(width - way.end) & low_bits(width - way.begin);
+    const std::uint64_t inside = forward ? lowest_bits(way.end) & ~lowest_bits(way.begin)
+                                         : ~lowest_bits(width - way.end) & lowest_bits(width - way.begin);
     std::int64_t same = lag_number(way.drift);
     while (same >= circle_.length()) same -= circle_.length();
     std::uint64_t others = 0;
@@ -328,8 +328,6 @@ class LookaheadWindow {
     if (misses == 0) return width - place.position;
     return forward ? __builtin_ctzll(misses) : __builtin_clzll(misses);
   }
-
-  static std::uint64_t low_bits(std::int64_t n) { return n >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << n) - 1; }
 
   /// Finds the place of `front` in the window, making a new one if need be. False where no window can be made.
   bool locate(const Front<forward>& front, const char* limit) {
@@ -356,7 +354,7 @@ class LookaheadWindow {
     if (planes_.unknown_bits(first) != 0) return false;
     // Bit j of the repeated unit is the unit base j steps after this one.
     const std::int64_t start = front.unit - circle_.begin - drift_limit_ - (forward ? 0 : width - 1);
-    long_runs_ = compare_at_lags({planes_.low_bits(first), planes_.high_bits(first)}, unit_bases(start),
+    long_runs_ = compare_at_lags({planes_.low_bits(first), planes_.high_bits(first)}, runs_.bases_from(start),
                                  static_cast<std::size_t>(2 * drift_limit_ + 1), static_cast<unsigned>(long_run_),
                                  forward, lags_);
     has_prospects_ = false;
@@ -365,26 +363,6 @@ class LookaheadWindow {
 
   /// Where the comparisons at a drift stand.
   std::int64_t lag_number(std::int64_t drift) const { return drift_limit_ + (forward ? -drift : drift); }
-
-  /// 128 bases of the repeated unit, from base number `start` on, which may lie before the unit.
-  TwoPlanes<Bits128> unit_bases(std::int64_t start) const {
-    const std::int64_t phase = runs_.wrapped(start);
-    const std::int64_t later = runs_.wrapped(phase + width);
-    return {joined(runs_.low_bits(phase), runs_.low_bits(later)),
-            joined(runs_.high_bits(phase), runs_.high_bits(later))};
-  }
-
-  static std::uint64_t reversed(std::uint64_t bits) {
-    bits = (bits >> 1 & 0x5555555555555555U) | (bits & 0x5555555555555555U) << 1;
-    bits = (bits >> 2 & 0x3333333333333333U) | (bits & 0x3333333333333333U) << 2;
-    bits = (bits >> 4 & 0x0F0F0F0F0F0F0F0FU) | (bits & 0x0F0F0F0F0F0F0F0FU) << 4;
-    return __builtin_bswap64(bits);
-  }
-  static Bits128 reversed(const Bits128& bits) {
-    return joined(reversed(static_cast<std::uint64_t>(bits >> 64)), reversed(static_cast<std::uint64_t>(bits)));
-  }
-
-  static Bits128 joined(std::uint64_t low, std::uint64_t high) { return (Bits128{high} << 64) | low; }
 
   const BasePlanes& planes_;
   const UnitRuns& runs_;

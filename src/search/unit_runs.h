@@ -5,6 +5,7 @@
 
 #include "search/base_planes.h"
 #include "search/front.h"
+#include "search/lag_matches.h"
 
 /// Counts matches between the sequence and the endlessly repeated unit, 64 bases at a time.
 ///
@@ -41,6 +42,13 @@ class UnitRuns {
     if (phase >= 0 && phase < length_) return phase;
     const std::int64_t rest = phase % length_;
     return rest < 0 ? rest + length_ : rest;
+  }
+
+  /// 128 bases of the repeated unit, from base number `start` on, which may lie before the unit.
+  TwoPlanes<Bits128> bases_from(std::int64_t start) const {
+    const std::int64_t phase = wrapped(start);
+    const std::int64_t later = wrapped(phase + width);
+    return {joined_bits(low_bits(phase), low_bits(later)), joined_bits(high_bits(phase), high_bits(later))};
   }
 
   /// So many bases, as two bit planes.
