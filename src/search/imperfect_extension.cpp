@@ -91,6 +91,7 @@ class ImperfectWalk {
       if (is_on_trail && follow_trail(state, best)) continue;
       if (std::abs(state.front.position - checked) >= bases_between_checks) {
         if (!may_get_above(best.front.score, state.front)) break;
+        if (has_fallen_for_good(state.front, best.front.score)) break;
         checked = state.front.position;
       }
       UnitRuns::View view;
@@ -333,6 +334,14 @@ class ImperfectWalk {
     return front.position != limit && !aids.growth_limit.keeps_from(score + 1, front, circle);
   }
 
+  /// Whether the walk is far below its best score and will certainly not come back to it.
+  bool has_fallen_for_good(const FrontState& front, std::int64_t best_score) {
+    const std::int64_t fall = best_score - front.score;
+    if (fall < fall_to_ask || front.score < UnitWords::least_score(circle.length())) return false;
+    fall_to_ask = 2 * fall;
+    return aids.unit_words.keeps_from(best_score + 1, front, circle);
+  }
+
   /// Goes on like the walk before this one, as far as that is known to be right. False if the walk has not moved.
   bool follow_trail(State& state, State& best) {
     std::int64_t best_height = best.front.score - bound;
@@ -541,6 +550,7 @@ class ImperfectWalk {
   FrontSet<forward>& stops;
   std::vector<GuidedStretch>* const stretches;
   SpareHeight spare;
+  std::int64_t fall_to_ask = UnitWords::least_fall;
 };
 
 }  // namespace
@@ -607,7 +617,8 @@ void grow_side_by_side(const std::vector<GrowingRepeat*>& repeats, std::int64_t 
                        const ExtensionRules& rules, const BasePlanes& planes, const char* first_base,
                        WalkAids<forward>& aids) {
   Csat record;
-  WalkBundle<forward>(planes, first_base, unit_length, rules).finish(repeats, [&](const char* line, auto& walk) {
+  WalkBundle<forward> bundle(planes, first_base, unit_length, rules, aids.unit_words);
+  bundle.finish(repeats, [&](const char* line, auto& walk) {
     return ImperfectWalk<forward>(record, walk.circle, limit, rules, planes, first_base, aids, nullptr)
         .go_to_line(line, walk);
   });

@@ -8,6 +8,7 @@
 #include "search/growth_limit.h"
 #include "search/lookahead_space.h"
 #include "search/step_memo.h"
+#include "search/unit_words.h"
 #include "search/view_memo.h"
 #include "search/walk_course.h"
 #include "search/walk_guides.h"
@@ -18,6 +19,7 @@
 template <bool forward>
 struct WalkAids {
   GrowthLimit& growth_limit;  ///< not owned
+  UnitWords& unit_words;      ///< not owned
   WalkGuides<forward> guides;
   StepMemo<forward> memo;
   ViewMemo<forward> view_memo;
@@ -51,8 +53,14 @@ struct WalkAids {
   }
 
   /// The sequence, half-open range.
-  WalkAids(const char* begin, const char* end, const ExtensionRules& rules, GrowthLimit& limit_of_growth)
-      : growth_limit(limit_of_growth), guides(begin, end, rules), memo(begin), trail(begin, end), course(begin) {}
+  WalkAids(const char* begin, const char* end, const ExtensionRules& rules, GrowthLimit& limit_of_growth,
+           UnitWords& words_of_units)
+      : growth_limit(limit_of_growth),
+        unit_words(words_of_units),
+        guides(begin, end, rules),
+        memo(begin),
+        trail(begin, end),
+        course(begin) {}
 
  private:
   const char* limit_ = nullptr;
@@ -82,6 +90,7 @@ class ForesightPace {
 /// Both directions of one thread, and what can be told before a walk.
 struct GrowthAids {
   GrowthLimit growth_limit;
+  UnitWords unit_words;
   WalkAids<true> forward;
   WalkAids<false> backward;
   ForesightPace foresight;
@@ -96,6 +105,7 @@ struct GrowthAids {
   /// The sequence, half-open range, its planes and the rules; they must outlive the object.
   GrowthAids(const char* begin, const char* end, const BasePlanes& planes, const ExtensionRules& rules)
       : growth_limit(begin, end, planes, rules),
-        forward(begin, end, rules, growth_limit),
-        backward(begin, end, rules, growth_limit) {}
+        unit_words(begin, end, planes, rules),
+        forward(begin, end, rules, growth_limit, unit_words),
+        backward(begin, end, rules, growth_limit, unit_words) {}
 };

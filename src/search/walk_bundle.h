@@ -16,6 +16,7 @@
 #include "search/step_choice.h"
 #include "search/unit_class.h"
 #include "search/unit_runs.h"
+#include "search/unit_words.h"
 
 /// One walk, or several that are one, of which only the best state is asked for.
 template <bool forward>
@@ -98,10 +99,12 @@ class WalkBundle {
   using Walk = BundledWalk<forward>;
   using Leg = WalkLeg<forward>;
 
-  WalkBundle(const BasePlanes& planes, const char* first_base, std::int64_t unit_length, const ExtensionRules& rules)
+  WalkBundle(const BasePlanes& planes, const char* first_base, std::int64_t unit_length, const ExtensionRules& rules,
+             UnitWords& unit_words)
       : planes_(planes),
         first_base_(first_base),
         unit_length_(unit_length),
+        unit_words_(unit_words),
         least_height_(1 - rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score)) {}
 
   /// Lets the repeats grow to their ends in this direction. `go_to_line(line, walk)` takes a walk to a line, or over
@@ -123,6 +126,7 @@ class WalkBundle {
       for (std::size_t number = 0; number < groups_.size(); ++number) {
         if (comes_before(groups_[number].walk.front.position, end)) go(number, begin, end, go_to_line);
       }
+      if (line % lines_between_meetings == 0) end_those_fallen();
       drop_ended();
       ++line;
       if (line % lines_between_meetings == 0) join_those_at(end);
@@ -155,6 +159,7 @@ class WalkBundle {
     std::int64_t least_lead;
     std::int64_t highest_lead;
     std::vector<Member> members;
+    std::int64_t fall_to_ask = UnitWords::least_fall;  ///< below the best score, before it is asked whether the walk may come back
   };
 
   /// A leg from a line to the next one. Distances are counted as the walk goes.
@@ -314,6 +319,30 @@ class WalkBundle {
     group.walk.best_score = no_score;
   }
 
+  /// Walks that will certainly not come back to their best scores.
+  void end_those_fallen() {
+    for (Group& group : groups_) {
+      Front<forward> front = group.walk.front;
+      front.score += group.highest_lead;
+      if (group.walk.is_over || front.score < UnitWords::least_score(unit_length_)) continue;
+      const std::int64_t fall = least_fall_of(group);
+      if (fall < UnitWords::least_fall) group.fall_to_ask = UnitWords::least_fall;
+      if (fall < group.fall_to_ask) continue;
+      group.walk.is_over = unit_words_.keeps_from(front.score + fall + 1, front, group.walk.circle);
+      group.fall_to_ask = 2 * fall;
+    }
+  }
+
+  /// The least distance of a member's score from its best.
+  std::int64_t least_fall_of(const Group& group) const {
+    std::int64_t least = INT64_MAX;
+    for (const Member& member : group.members) {
+      const std::int64_t best = std::max<std::int64_t>(member.repeat->score, group.walk.best_score + member.lead);
+      least = std::min(least, best - member.lead - group.walk.front.score);
+    }
+    return least;
+  }
+
   void drop_ended() {
     const auto ended =
         std::partition(groups_.begin(), groups_.end(), [](const Group& group) { return !group.walk.is_over; });
@@ -379,6 +408,7 @@ class WalkBundle {
   const BasePlanes& planes_;
   const char* const first_base_;
   const std::int64_t unit_length_;
+  UnitWords& unit_words_;
   const std::int64_t least_height_;  ///< above the bound of permitted steps, for a lookahead to be permitted everything
   std::vector<Entry> near_;          ///< a cache of legs that have seen no more than the nearest 64 unit bases
   std::vector<Entry> far_;           ///< and of the others

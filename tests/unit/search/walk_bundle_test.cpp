@@ -156,7 +156,8 @@ class WalkBundleTest : public test::SearchTest {
 
     std::vector<GrowingRepeat*> repeats;
     for (GrowingRepeat& repeat : together) repeats.push_back(&repeat);
-    WalkBundle<forward>(planes, sequence.mol.begin(), static_cast<std::int64_t>(unit_length), rules)
+    UnitWords words(sequence.mol.begin(), sequence.mol.end(), planes, rules);
+    WalkBundle<forward>(planes, sequence.mol.begin(), static_cast<std::int64_t>(unit_length), rules, words)
         .finish(repeats, Walker<forward>(sequence.mol.begin(), sequence.mol.end()));
     for (std::size_t i = 0; i < together.size(); ++i) {
       const auto ends = [](const GrowingRepeat& repeat) {
