@@ -5,7 +5,9 @@
 namespace {
 
 /// What a step costs a walk at least, next to taking the same bases as matches.
-std::int64_t least_loss(const ExtensionRules& rules) { return -std::max(rules.mismatch_score - 1, rules.indel_score); }
+std::int64_t least_loss(const ExtensionRules& rules) {
+  return -std::max(rules.mismatch_score - 1, rules.indel_score);
+}
 
 }  // namespace
 

@@ -8,17 +8,17 @@
 
 /// How much walks with one unit can gain from a place on, at most, found without walking.
 ///
-/// The bases ahead are cut into words. One that is no word of the endlessly repeated unit costs a walk through it a step
-/// at least, and one that no single step makes of such a word costs two (words that do not overlap: Ukkonen 1992). So a
-/// walk that has fallen from its best score in bases that are unlike its unit can be told not to come back.
+/// The bases ahead are cut into words. One that is no word of the endlessly repeated unit costs a walk through it a
+/// step at least, and one that no single step makes of such a word costs two (words that do not overlap: Ukkonen 1992).
+/// So a walk that has fallen from its best score in bases that are unlike its unit can be told not to come back.
 class UnitWords {
  public:
   /// The sequence, half-open range, and its planes; planes and rules must outlive the object.
   UnitWords(const char* begin, const char* end, const BasePlanes& planes, const ExtensionRules& rules);
 
-  /// Whether a walk that stands at `front` certainly never comes to the score `enough`, one that it does not have. False
-  /// also if that cannot be told. It takes as long as a walk of 8 bases for each base of the unit, or less if the unit
-  /// is that of the question before, and a small part of the walk in question.
+  /// Whether a walk that stands at `front` certainly never comes to the score `enough`, one that it does not have.
+  /// False also if that cannot be told. It takes as long as a walk of 8 bases for each base of the unit, or less if the
+  /// unit is that of the question before, and a small part of the walk in question.
   template <bool forward>
   bool keeps_from(std::int64_t enough, const Front<forward>& front, const UnitCircle& circle);
 

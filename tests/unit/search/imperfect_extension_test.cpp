@@ -302,4 +302,31 @@ TEST_F(ImperfectExtensionTest, ARepeatWithManyThousandEventsIsOneWalk) {
   EXPECT_EQ(sat.score, 20 * 20000 - 6 * 20000);
 }
 
+/// Copies of a unit with two mismatches in every nine bases.
+std::string departing_copies(const std::string& unit, std::size_t bases) {
+  std::string text = repeated(unit, bases / unit.size());
+  for (std::size_t i = 2; i < text.size(); i += i % 9 == 2 ? 5 : 4) text[i] = text[i] == 'A' ? 'C' : 'A';
+  return text;
+}
+
+// They cost 195 or so, which 240 bases bring in again and 160 do not.
+TEST_F(ImperfectExtensionTest, AWalkComesBackFromAFarFall) {
+  const std::string unit = "ACGGTCATTCAGGATCTTGC";
+  const std::string array = repeated(unit, 60);
+  const std::string departing = departing_copies(unit, 360);
+  seed(array + departing + repeated(unit, 12), 0, 20);
+  forward();
+  EXPECT_EQ(sat.length(), 1200 + 360 + 240);
+  seed(array + departing + repeated(unit, 8), 0, 20);
+  forward();
+  EXPECT_LT(sat.length(), 1210);
+
+  seed(repeated(unit, 12) + departing + array, 240 + 360 + 1180, 20);
+  backward();
+  EXPECT_EQ(sat.length(), 1200 + 360 + 240);
+  seed(repeated(unit, 8) + departing + array, 160 + 360 + 1180, 20);
+  backward();
+  EXPECT_LT(sat.length(), 1210);
+}
+
 }  // namespace

@@ -128,13 +128,13 @@ TEST_F(UnitWordsTest, NoWayComesToAScoreThatTheyKeepFrom) {
 TEST_F(UnitWordsTest, TellStepsApart) {
   const std::string unit = "ACGGTCATTCAGGATCTTAC";
   const auto limit = [&unit](const std::string& ahead, const ExtensionRules& rules) {
-    const Case c{unit + ahead, 0, static_cast<std::int64_t>(unit.size()), static_cast<std::int64_t>(unit.size()), 0, 100,
-                 rules};
+    const Case c{unit + ahead, 0,    static_cast<std::int64_t>(unit.size()), static_cast<std::int64_t>(unit.size()), 0,
+                 100,          rules};
     const test::Sequence sequence(c.bases);
     const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
     UnitWords words(sequence.mol.begin(), sequence.mol.end(), planes, c.rules);
     std::int64_t gain = -50;
-    while (!keeps_from<true>(c, sequence, words, c.score + gain + 1)) ++gain;
+    while (gain < 50 && !keeps_from<true>(c, sequence, words, c.score + gain + 1)) ++gain;
     return gain - 8;  // that many matches may follow
   };
   const ExtensionRules usual{-6, -6, 5, 4, false};
@@ -146,13 +146,66 @@ TEST_F(UnitWordsTest, TellStepsApart) {
   EXPECT_EQ(limit("GGTCATTCAGGATCTT", usual), 9) << "only whole words count";
   // The words behind hold them off, so that the first one is the highest.
   const std::string unlike = "AAAAAAAAACCCCCCCCC";
-  EXPECT_EQ(limit("GGTCCTTCA" + unlike, usual), 3) << "mismatch";
-  EXPECT_EQ(limit("GGTCGATTC" + unlike, usual), 3) << "insertion";
-  EXPECT_EQ(limit("TGGTCATTC" + unlike, usual), 3) << "insertion at the beginning";
-  EXPECT_EQ(limit("GGTATTCAG" + unlike, usual), 3) << "deletion";
+  const auto expect_one_step = [&](const std::string& word) {
+    const bool is_of_unit = (unit + unit).find(word) != std::string::npos;
+    EXPECT_EQ(limit(word + unlike, usual), is_of_unit ? 9 : 3) << word;
+  };
+  for (std::size_t place = 0; place < 9; ++place) {
+    for (const char base : {'A', 'C', 'G', 'T'}) {
+      std::string mismatched = "GGTCATTCA";
+      mismatched[place] = base;
+      expect_one_step(mismatched);
+      expect_one_step(std::string("GGTCATTC").insert(place, 1, base));
+    }
+    expect_one_step(std::string("GGTCATTCAG").erase(place, 1));
+  }
   EXPECT_EQ(limit("GGTCCTTAA" + unlike, usual), 0) << "two mismatches";
   EXPECT_EQ(limit("GGTCCTTCA" + unlike, {-20, -5, 5, 4, false}), 4) << "the milder one";
   EXPECT_EQ(limit("GGTATTCAG" + unlike, {-4, -20, 5, 4, false}), 4) << "a mismatch loses its base, too";
+}
+
+// A walk that is over does not come back, one that is permitted to fall does.
+TEST_F(UnitWordsTest, TellWhereAWalkIsOver) {
+  const std::string unit = "ACGGTCATTCAGGATCTTACGAGTTGCCTATGGACATCCGAGTAATCGCAACTTGGCTGT";
+  const auto comes_back = [&unit](std::size_t words_between) {
+    const auto length = static_cast<std::int64_t>(unit.size());
+    const ExtensionRules usual{-6, -6, 5, 4, false};
+    const Case c{unit + test::repeated("AAAAAAAAACCCCCCCCC", words_between / 2) + test::repeated(unit, 10),
+                 0,
+                 length,
+                 length,
+                 0,
+                 50,
+                 usual};
+    const test::Sequence sequence(c.bases);
+    const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
+    UnitWords words(sequence.mol.begin(), sequence.mol.end(), planes, c.rules);
+    return !keeps_from<true>(c, sequence, words, 60);
+  };
+  EXPECT_TRUE(comes_back(20));
+  EXPECT_TRUE(comes_back(38));  // 50 + 8 - 3 * 38 > -60
+  EXPECT_FALSE(comes_back(44));
+}
+
+TEST_F(UnitWordsTest, AreThoseOfTheUnitInQuestion) {
+  test::Random random(1);
+  const test::Sequence sequence(random.bases(60) + test::repeated(random.bases(40), 5) + random.bases(100));
+  const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
+  const ExtensionRules usual{-6, -6, 5, 4, false};
+  UnitWords words(sequence.mol.begin(), sequence.mol.end(), planes, usual);
+  int told = 0;
+  for (int i = 0; i < 300; ++i) {
+    const std::int64_t begin = random.pick({40, 60, 65});
+    const UnitCircle circle{sequence.at(begin), sequence.at(begin + random.pick({20, 35, 40, 55}))};
+    const Front<true> front{sequence.at(100 + random.below(200)), circle.begin, 1000, 0};
+    const std::int64_t enough = 1000 + 10 * random.below(12);
+    UnitWords others(sequence.mol.begin(), sequence.mol.end(), planes, usual);
+    const bool keeps = words.keeps_from(enough, front, circle);
+    EXPECT_EQ(keeps, others.keeps_from(enough, front, circle));
+    told += keeps ? 1 : 0;
+  }
+  EXPECT_GT(told, 50);
+  EXPECT_LT(told, 250);
 }
 
 TEST_F(UnitWordsTest, TellNothingWhereStepsAreCheap) {

@@ -176,4 +176,28 @@ TEST_F(WalkBundleTest, WalksBackwardEndLikeWalksOnTheirOwn) {
   for (unsigned seed = 1; seed <= 300; ++seed) compare<false>(seed);
 }
 
+// Of two walks that have met the lower one ends where the higher one falls and comes back.
+TEST_F(WalkBundleTest, TheHighestOfAGroupGoesOn) {
+  const std::string unit = "ACGGTCATTCAGGATCTTGC";
+  std::string departing = test::repeated(unit, 200);
+  for (std::size_t i = 2; i < departing.size(); i += i % 9 == 2 ? 5 : 4) departing[i] = departing[i] == 'A' ? 'C' : 'A';
+  const test::Sequence sequence(test::repeated(unit, 60) + departing + test::repeated(unit, 400));
+  const char* const first = sequence.mol.begin();
+  const BasePlanes planes(first, sequence.mol.end());
+  for (const bool first_is_higher : {false, true}) {
+    std::vector<GrowingRepeat> walks;
+    for (const bool is_higher : {first_is_higher, !first_is_higher}) {
+      Csat sat;
+      sat.seed(sequence.at(0), sequence.at(20));
+      sat.score = is_higher ? 9000 : 20;
+      walks.emplace_back(sat, first);
+    }
+    UnitWords words(first, sequence.mol.end(), planes, rules);
+    WalkBundle<true>(planes, first, 20, rules, words)
+        .finish({&walks[0], &walks[1]}, Walker<true>(first, sequence.mol.end()));
+    EXPECT_EQ(walks[first_is_higher ? 0 : 1].right_end, 1200 + 4000 + 8000);
+    EXPECT_LT(walks[first_is_higher ? 1 : 0].right_end, 1210);
+  }
+}
+
 }  // namespace
