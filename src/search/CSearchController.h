@@ -76,6 +76,14 @@ enum class Growth : std::uint8_t {
   paused_backward,  ///< the right end has done, and the left one not yet
 };
 
+/// Where a walk may pause: farther than so many bases from where it begins, at such a score or a higher one.
+struct PausePoint {
+  std::int64_t bases;
+  std::int64_t score;
+
+  static PausePoint never() { return {INT64_MAX, 0}; }
+};
+
 /// The search of one sequence: built over a record, searched once in one mode, reported, destroyed before the next
 /// record is read. Every position in a record found here points into `seq`.
 class CSearchController {
@@ -185,12 +193,12 @@ class CSearchController {
 
   void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found);
   void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found);
-  static constexpr std::int64_t never = INT64_MAX;
   /// Grows the seed both ways and trims it. Long stretches of events may be left untold. In either direction it may
-  /// pause behind so many bases.
-  Growth grow_imperfect(Csat& seed, GrowthAids& aids, std::int64_t bases_to_pause = never) const;
+  /// pause.
+  Growth grow_imperfect(Csat& seed, GrowthAids& aids, const PausePoint& pause) const;
+  Growth grow_imperfect(Csat& seed, GrowthAids& aids) const { return grow_imperfect(seed, aids, PausePoint::never()); }
   /// Grows a right end that has paused, and trims it if that is done. Returns whether it pauses again.
-  bool grow_on(Csat& sat, GrowthAids& aids, std::int64_t bases_to_pause) const;
+  bool grow_on(Csat& sat, GrowthAids& aids, const PausePoint& pause) const;
   /// Notes the deletion that a seed whose right end has paused will have at its first base, if it will have one. False
   /// if that is not known.
   bool note_event_at_left_end(Csat& seed, GrowthAids& aids) const;

@@ -68,10 +68,9 @@ class ImperfectWalk {
   /// leads to a higher score; then the record takes the earliest state of the highest score on that way. A later state
   /// of equal score is not worth its events.
   ///
-  /// It may pause before that, at a stop more than `bases_to_pause` away where the score permits everything and is the
-  /// highest so far, and the last base is no N: it will not be taken off. Returns whether it does. A walk from there on
-  /// goes the rest of the way.
-  bool run(WalkPart part, std::int64_t bases_to_pause) {
+  /// It may pause before that, at a stop where the score permits everything and is the highest so far, and the last base
+  /// is no N: it will not be taken off. Returns whether it does. A walk from there on goes the rest of the way.
+  bool run(WalkPart part, const PausePoint& pause) {
     if (stretches != nullptr) stretches->clear();
     aids.begin_walk(circle, limit);
     State state{Front<forward>::of(sat), {sat.mismatches, sat.insertions, sat.deletions}, sat.missense.size, 0, 0, 0};
@@ -105,7 +104,8 @@ class ImperfectWalk {
       is_at_checkpoint = guides.is_checkpoint(state.front, std::abs(state.front.position - run_begin));
       if (!take_if_best(state, best)) continue;
       way_is_free = way_is_free && may_get_above(state.front.score, state.front);
-      pauses = way_is_free && std::abs(state.front.position - begin) > bases_to_pause && all_permitted(state.front) &&
+      pauses = way_is_free && std::abs(state.front.position - begin) > pause.bases &&
+               state.front.score >= pause.score && all_permitted(state.front) &&
                *(forward ? state.front.position - 1 : state.front.position) != 'N';
     }
     guides.leave();
@@ -558,22 +558,22 @@ class ImperfectWalk {
 void CSearchController::extend_imperfect_forward(Csat& sat, const char* seq_end) const {
   ImperfectWalk<true>(sat, {sat.unit_begin, sat.unit_end}, seq_end, rules, planes, seq.begin(), aids_of(0).forward,
                       nullptr)
-      .run(WalkPart::whole, never);
+      .run(WalkPart::whole, PausePoint::never());
 }
 
 void CSearchController::extend_imperfect_backward(Csat& sat, const char* left_limit) const {
   ImperfectWalk<false>(sat, {sat.unit_begin, sat.unit_end}, left_limit + 1, rules, planes, seq.begin(),
                        aids_of(0).backward, nullptr)
-      .run(WalkPart::whole, never);
+      .run(WalkPart::whole, PausePoint::never());
 }
 
-Growth CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids, std::int64_t bases_to_pause) const {
+Growth CSearchController::grow_imperfect(Csat& seed, GrowthAids& aids, const PausePoint& pause) const {
   const UnitCircle unit{seed.unit_begin, seed.unit_end};
   ImperfectWalk<true> forward(seed, unit, seq.end(), rules, planes, seq.begin(), aids.forward, &aids.forward.untold);
-  if (forward.run(WalkPart::whole, bases_to_pause)) return Growth::paused_forward;
+  if (forward.run(WalkPart::whole, pause)) return Growth::paused_forward;
   ImperfectWalk<false> backward(seed, unit, seq.begin(), rules, planes, seq.begin(), aids.backward,
                                 &aids.backward.untold);
-  const bool pauses = backward.run(WalkPart::whole, bases_to_pause);
+  const bool pauses = backward.run(WalkPart::whole, pause);
   seed.remove_Ns_at_ends();
   return pauses ? Growth::paused_backward : Growth::finished;
 }
@@ -593,10 +593,10 @@ std::optional<std::int64_t> CSearchController::foresee_score(Csat& seed, GrowthA
   return backward->score;
 }
 
-bool CSearchController::grow_on(Csat& sat, GrowthAids& aids, std::int64_t bases_to_pause) const {
+bool CSearchController::grow_on(Csat& sat, GrowthAids& aids, const PausePoint& pause) const {
   ImperfectWalk<true> forward(sat, {sat.unit_begin, sat.unit_end}, seq.end(), rules, planes, seq.begin(), aids.forward,
                               &aids.forward.untold);
-  const bool pauses = forward.run(WalkPart::rest, bases_to_pause);
+  const bool pauses = forward.run(WalkPart::rest, pause);
   sat.remove_Ns_at_ends();
   return pauses;
 }

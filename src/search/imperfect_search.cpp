@@ -35,7 +35,9 @@ class ImperfectPass {
         found_(found),
         next_N_(controller.seq.begin()),
         postponed_(controller, unit_length, anchors),
-        bases_to_pause_(may_postpone() ? std::max(shortest_long_repeat, 2 * unit_length) : CSearchController::never) {}
+        // A seed that pauses should be known to be kept.
+        pause_(may_postpone() ? PausePoint{std::max(shortest_long_repeat, 2 * unit_length), minimum_.score}
+                              : PausePoint::never()) {}
 
   /// Tries a seed that the anchors admit. Returns one past the last of the seeds from `p` on that need not be tried any
   /// more. Seeds must come in the order of their positions.
@@ -43,7 +45,7 @@ class ImperfectPass {
     if (!is_unit(p, next_N_)) return p + 1;
     GrowthAids& aids = controller_.aids_of(0);
     Growth growth = Growth::finished;
-    const char* const failed_end = grow(p, spare_, aids, bases_to_pause_, growth);
+    const char* const failed_end = grow(p, spare_, aids, growth);
     if (failed_end > p) return failed_end;
     keep({p, std::move(spare_), growth, untold_of(aids, growth)});
     return p + 1;
@@ -108,8 +110,7 @@ class ImperfectPass {
 
   /// Grows the seed `p` into `spare`. Returns one past the last of the seeds from `p` on that are known to fail, or `p`
   /// if it does not. It may pause in `growth` if it certainly does not.
-  const char* grow(const char* p, OwnedSat& spare, GrowthAids& aids, std::int64_t bases_to_pause,
-                   Growth& growth) const {
+  const char* grow(const char* p, OwnedSat& spare, GrowthAids& aids, Growth& growth) const {
     if (spare == nullptr) spare.reset(sat_alloc.take(p, p + unit_length_));
     spare->seed(p, p + unit_length_);
     // No run of matches in it is as long as the minimum score.
@@ -119,7 +120,7 @@ class ImperfectPass {
       aids.foresight.count(score.has_value());
       if (score && *score < minimum_.score) return end_of_like(p, aids.forward.spare_height);
     }
-    growth = controller_.grow_imperfect(*spare, aids, bases_to_pause);
+    growth = controller_.grow_imperfect(*spare, aids, pause_);
     if (growth != Growth::finished) {
       if (is_kept_and_known(*spare, growth, aids)) return p;
       spare->seed(p, p + unit_length_);
@@ -220,7 +221,7 @@ class ImperfectPass {
       part.tried[static_cast<std::size_t>((p - begin) / 64)] |= std::uint64_t{1} << ((p - begin) % 64);
       if (p < failed_end) return;
       Growth growth = Growth::finished;
-      failed_end = grow(p, spare, aids, bases_to_pause_, growth);
+      failed_end = grow(p, spare, aids, growth);
       if (failed_end > p) return;
       part.kept.push_back({p, std::move(spare), growth, untold_of(aids, growth)});
       anchors.cover(*part.kept.back().sat, part.kept.back().untold);
@@ -231,8 +232,8 @@ class ImperfectPass {
   /// Up to `end` at least, if its right end has paused.
   void grow_on(Kept& kept, const char* end, CAnchorSeq& anchors, GrowthAids& aids) const {
     if (kept.growth != Growth::paused_forward || kept.sat->pos_right_end >= end) return;
-    const std::int64_t bases = end - kept.sat->pos_right_end + bases_to_pause_;
-    if (!controller_.grow_on(*kept.sat, aids, bases)) kept.growth = Growth::paused_backward;
+    const PausePoint pause{end - kept.sat->pos_right_end + pause_.bases, pause_.score};
+    if (!controller_.grow_on(*kept.sat, aids, pause)) kept.growth = Growth::paused_backward;
     kept.untold.insert(kept.untold.end(), aids.forward.untold.begin(), aids.forward.untold.end());
     anchors.cover(*kept.sat, kept.untold);
   }
@@ -270,7 +271,7 @@ class ImperfectPass {
   /// The repeats from some length on that were kept, by their ends.
   std::map<std::pair<const char*, const char*>, std::list<Csat*>::iterator> long_repeats_;
   PostponedRepeats postponed_;
-  const std::int64_t bases_to_pause_;
+  const PausePoint pause_;
 };
 
 namespace {

@@ -86,7 +86,7 @@ void PostponedRepeats::grow_on(const char* end) {
   const OwnedSat sat = record_of(grown);
   const char* const old_end = sat->pos_right_end;
   GrowthAids& aids = controller_.aids_of(0);
-  const bool pauses = controller_.grow_on(*sat, aids, end - old_end + bases_ahead);
+  const bool pauses = controller_.grow_on(*sat, aids, {end - old_end + bases_ahead, grown.score});
   grown = GrowingRepeat(*sat, at(0));
   // Before the old end, and where those end that were kept behind it, nothing changes.
   sat->pos_left = std::max(old_end, at(open.later_end));

@@ -159,8 +159,8 @@ class WalkBundle {
     std::int64_t least_lead;
     std::int64_t highest_lead;
     std::vector<Member> members;
-    std::int64_t fall_to_ask =
-        UnitWords::least_fall;  ///< below the best score, before it is asked whether the walk may come back
+    /// Below the best score, before it is asked whether the walk may come back to it.
+    std::int64_t fall_to_ask = UnitWords::least_fall;
   };
 
   /// A leg from a line to the next one. Distances are counted as the walk goes.
