@@ -68,8 +68,8 @@ class ImperfectWalk {
   /// leads to a higher score; then the record takes the earliest state of the highest score on that way. A later state
   /// of equal score is not worth its events.
   ///
-  /// It may pause before that, at a stop where the score permits everything and is the highest so far, and the last base
-  /// is no N: it will not be taken off. Returns whether it does. A walk from there on goes the rest of the way.
+  /// It may pause before that, at a stop where the score permits everything and is the highest so far, and the last
+  /// base is no N: it will not be taken off. Returns whether it does. A walk from there on goes the rest of the way.
   bool run(WalkPart part, const PausePoint& pause) {
     if (stretches != nullptr) stretches->clear();
     aids.begin_walk(circle, limit);

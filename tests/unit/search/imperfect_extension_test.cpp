@@ -302,18 +302,11 @@ TEST_F(ImperfectExtensionTest, ARepeatWithManyThousandEventsIsOneWalk) {
   EXPECT_EQ(sat.score, 20 * 20000 - 6 * 20000);
 }
 
-/// Copies of a unit with two mismatches in every nine bases.
-std::string departing_copies(const std::string& unit, std::size_t bases) {
-  std::string text = repeated(unit, bases / unit.size());
-  for (std::size_t i = 2; i < text.size(); i += i % 9 == 2 ? 5 : 4) text[i] = text[i] == 'A' ? 'C' : 'A';
-  return text;
-}
-
 // They cost 195 or so, which 240 bases bring in again and 160 do not.
 TEST_F(ImperfectExtensionTest, AWalkComesBackFromAFarFall) {
   const std::string unit = "ACGGTCATTCAGGATCTTGC";
   const std::string array = repeated(unit, 60);
-  const std::string departing = departing_copies(unit, 360);
+  const std::string departing = test::departing_copies(unit, 18);
   seed(array + departing + repeated(unit, 12), 0, 20);
   forward();
   EXPECT_EQ(sat.length(), 1200 + 360 + 240);

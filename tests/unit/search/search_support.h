@@ -73,6 +73,13 @@ class Random {
   std::mt19937 engine_;
 };
 
+/// Copies of a unit with two mismatches in every nine bases.
+inline std::string departing_copies(const std::string& unit, std::size_t copies) {
+  std::string text = repeated(unit, copies);
+  for (std::size_t i = 2; i < text.size(); i += i % 9 == 2 ? 5 : 4) text[i] = text[i] == 'A' ? 'C' : 'A';
+  return text;
+}
+
 /// A fixture whose parameters may be set before any of its functions is called.
 class SearchTest : public WithParameters {
  protected:

@@ -179,9 +179,8 @@ TEST_F(WalkBundleTest, WalksBackwardEndLikeWalksOnTheirOwn) {
 // Of two walks that have met the lower one ends where the higher one falls and comes back.
 TEST_F(WalkBundleTest, TheHighestOfAGroupGoesOn) {
   const std::string unit = "ACGGTCATTCAGGATCTTGC";
-  std::string departing = test::repeated(unit, 200);
-  for (std::size_t i = 2; i < departing.size(); i += i % 9 == 2 ? 5 : 4) departing[i] = departing[i] == 'A' ? 'C' : 'A';
-  const test::Sequence sequence(test::repeated(unit, 60) + departing + test::repeated(unit, 400));
+  const test::Sequence sequence(test::repeated(unit, 60) + test::departing_copies(unit, 200) +
+                                test::repeated(unit, 400));
   const char* const first = sequence.mol.begin();
   const BasePlanes planes(first, sequence.mol.end());
   for (const bool first_is_higher : {false, true}) {
