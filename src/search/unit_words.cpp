@@ -20,30 +20,92 @@ UnitWords::UnitWords(const char* begin, const char* end, const BasePlanes& plane
 
 template <bool forward>
 bool UnitWords::keeps_from(std::int64_t enough, const Front<forward>& front, const UnitCircle& circle) {
-  if (gain_of_others_ >= 0) return false;
-  take_unit(circle);
+  const std::int64_t most = enough - 1 - front.score;
+  return gains<forward>(front.position, forward ? end_ : begin_, circle, most, front.score + circle.length()).highest <=
+         most;
+}
+
+template <bool forward>
+UnitWords::Gains UnitWords::gains(const char* first, const char* limit, const UnitCircle& circle, std::int64_t enough,
+                                  std::int64_t loss) {
   // Of all states before the next word ends.
-  std::int64_t highest = front.score + bases - 1;
-  std::int64_t position = front.position - begin_;
-  while (highest < enough) {
-    const std::int64_t words = std::min<std::int64_t>(7, (forward ? end_ - begin_ - position : position) / bases);
-    if (words == 0 || highest <= -circle.length()) return true;
-    const std::int64_t first = forward ? position : position - words * bases;
-    const std::uint64_t low = planes_.low_bits(first);
-    const std::uint64_t high = planes_.high_bits(first);
-    const std::uint64_t unknown = planes_.unknown_bits(first);
-    for (std::int64_t i = 0; i < words && highest < enough; ++i) {
-      const std::int64_t shift = (forward ? i : words - 1 - i) * bases;
-      const auto bits = [shift](std::uint64_t plane) { return static_cast<std::uint32_t>(plane >> shift) & mask; };
-      highest += bits(unknown) != 0 ? std::int64_t{bases} : most_gain(number_of(bits(low), bits(high)));
+  constexpr std::int64_t within_word = bases - 1;
+  if (gain_of_others_ >= 0) return {enough + 1, enough + 1};
+  take_unit(circle);
+  Gains gains{within_word, 0};
+  std::int64_t position = first - begin_;
+  while (gains.highest <= enough && gains.last + within_word > -loss) {
+    const std::int64_t room = forward ? limit - begin_ - position : position - (limit - begin_);
+    const std::int64_t words = std::min<std::int64_t>(7, room / bases);
+    if (words == 0) break;
+    const std::int64_t lowest = forward ? position : position - words * bases;
+    const std::uint64_t low = planes_.low_bits(lowest);
+    const std::uint64_t high = planes_.high_bits(lowest);
+    const std::uint64_t unknown = planes_.unknown_bits(lowest);
+    const auto word_at = [low, high](std::int64_t i) {
+      return number_of(static_cast<std::uint32_t>(low >> i * bases), static_cast<std::uint32_t>(high >> i * bases));
+    };
+    const bool may_rise = gains.last + words * std::int64_t{bases} + within_word > gains.highest;
+    if (may_rise || (unknown & ((std::uint64_t{1} << words * bases) - 1)) != 0) {
+      for (std::int64_t i = 0; i < words; ++i) {
+        const std::int64_t at = forward ? i : words - 1 - i;
+        const bool is_known = (unknown >> at * bases & mask) == 0;
+        gains.last += is_known ? most_gain(word_at(at)) : std::int64_t{bases};
+        gains.highest = std::max(gains.highest, gains.last + within_word);
+      }
+    } else {
+      std::int64_t near = 0;
+      std::int64_t exact = 0;
+      for (std::int64_t i = 0; i < words; ++i) {
+        const std::uint32_t word = word_at(i);
+        if (contains(near_, word) == 0) continue;
+        ++near;
+        exact += contains(exact_, word);
+      }
+      gains.last +=
+          words * gain_of_others_ + near * (gain_of_near_ - gain_of_others_) + exact * (bases - gain_of_near_);
     }
     position += (forward ? words : -words) * bases;
   }
-  return false;
+  return gains;
 }
 
 template bool UnitWords::keeps_from(std::int64_t enough, const Front<true>& front, const UnitCircle& circle);
 template bool UnitWords::keeps_from(std::int64_t enough, const Front<false>& front, const UnitCircle& circle);
+template UnitWords::Gains UnitWords::gains<true>(const char* first, const char* limit, const UnitCircle& circle,
+                                                 std::int64_t enough, std::int64_t loss);
+template UnitWords::Gains UnitWords::gains<false>(const char* first, const char* limit, const UnitCircle& circle,
+                                                  std::int64_t enough, std::int64_t loss);
+
+UnitWords::Counts UnitWords::counts_in(const char* first, const char* end) const {
+  Counts counts;
+  counts.of_known.resize(std::size_t{1} << 2 * bases);
+  for (std::int64_t position = first - begin_; position + bases <= end - begin_; position += bases) {
+    const auto bits = [](std::uint64_t plane) { return static_cast<std::uint32_t>(plane) & mask; };
+    if (bits(planes_.unknown_bits(position)) != 0) {
+      ++counts.unknown;
+    } else {
+      ++counts.of_known[number_of(bits(planes_.low_bits(position)), bits(planes_.high_bits(position)))];
+    }
+  }
+  return counts;
+}
+
+std::int64_t UnitWords::highest_score(const Counts& counts, const UnitCircle& circle) {
+  take_unit(circle);
+  // It begins in a word and ends in another one. Of others it can do without.
+  std::int64_t score = 2 * (std::int64_t{bases} - 1) + counts.unknown * bases;
+  if (gain_of_others_ >= 0) return INT64_MAX;
+  const std::int64_t gain_of_near = std::max<std::int64_t>(gain_of_near_, 0);
+  for (std::size_t i = 0; i < near_.size(); ++i) {
+    for (std::uint64_t rest = near_[i]; rest != 0; rest &= rest - 1) {
+      const std::size_t word = 64 * i + static_cast<std::size_t>(__builtin_ctzll(rest));
+      const bool is_exact = (exact_[i] & rest & -rest) != 0;
+      score += counts.of_known[word] * (is_exact ? std::int64_t{bases} : gain_of_near);
+    }
+  }
+  return score;
+}
 
 void UnitWords::take_unit(const UnitCircle& circle) {
   if (unit_.begin == circle.begin && unit_.end == circle.end) return;

@@ -22,6 +22,33 @@ class UnitWords {
   template <bool forward>
   bool keeps_from(std::int64_t enough, const Front<forward>& front, const UnitCircle& circle);
 
+  /// What a walk gains on any way from a place on, at most.
+  struct Gains {
+    std::int64_t highest;  ///< at any place before the limit, or a higher one than was asked for
+    std::int64_t last;     ///< at the end of the last word
+  };
+
+  /// Of a walk from `position` on, up to `limit`. The question ends where more than `enough` may be gained, or where
+  /// so much is lost.
+  template <bool forward>
+  Gains gains(const char* position, const char* limit, const UnitCircle& circle, std::int64_t enough,
+              std::int64_t loss);
+
+  /// How often each word stands in a part of the sequence that is cut into words.
+  struct Counts {
+    std::vector<std::uint32_t> of_known;
+    std::int64_t unknown = 0;  ///< with N
+  };
+  /// Half-open range.
+  Counts counts_in(const char* first, const char* end) const;
+
+  /// The highest score of any walk that begins and ends in a part of which the words were counted, or a higher one. It
+  /// takes the same time for a part of any length.
+  std::int64_t highest_score(const Counts& counts, const UnitCircle& circle);
+
+  /// Bases of a word: of so many bases, or a multiple, the last gain is for all of them.
+  static constexpr unsigned bases = 9;
+
   /// From the best score of a walk, before the question pays: few walks that gain anything more fall so far.
   static constexpr std::int64_t least_fall = 128;
   /// Walks of lower scores are over as soon as the question would be answered.
@@ -30,14 +57,16 @@ class UnitWords {
  private:
   using Set = std::vector<std::uint64_t>;  ///< of words, a bit each
 
-  static constexpr unsigned bases = 9;  ///< of a word
   static constexpr std::uint32_t mask = (1U << bases) - 1;
 
   /// The number of a word: a bit of each base in the lower half, the other ones in the upper half.
   static std::uint32_t number_of(std::uint32_t low, std::uint32_t high) {
     return (low & mask) | (high & mask) << bases;
   }
-  static bool contains(const Set& set, std::uint32_t word) { return (set[word / 64] >> (word % 64) & 1) != 0; }
+  /// 1 or 0.
+  static std::int64_t contains(const Set& set, std::uint32_t word) {
+    return static_cast<std::int64_t>(set[word / 64] >> (word % 64) & 1);
+  }
   static void add(Set& set, std::uint32_t word) { set[word / 64] |= std::uint64_t{1} << (word % 64); }
 
   void take_unit(const UnitCircle& circle);
@@ -45,8 +74,8 @@ class UnitWords {
   void add_near(std::uint32_t low, std::uint32_t high);
 
   std::int64_t most_gain(std::uint32_t word) const {
-    if (!contains(near_, word)) return gain_of_others_;
-    return contains(exact_, word) ? std::int64_t{bases} : gain_of_near_;
+    return gain_of_others_ + contains(near_, word) * (gain_of_near_ - gain_of_others_) +
+           contains(exact_, word) * (std::int64_t{bases} - gain_of_near_);
   }
 
   const char* const begin_;
