@@ -16,6 +16,7 @@
 #include "search/candidate_words.h"
 #include "search/front.h"
 #include "search/growing_repeat.h"
+#include "search/stretches.h"
 #include "search/thresholds.h"
 #include "search/walk_aids.h"
 #include "search/workers.h"
@@ -84,6 +85,8 @@ struct PausePoint {
   static PausePoint never() { return {INT64_MAX, 0}; }
 };
 
+class HiddenRepeats;
+
 /// The search of one sequence: built over a record, searched once in one mode, reported, destroyed before the next
 /// record is read. Every position in a record found here points into `seq`.
 class CSearchController {
@@ -140,6 +143,14 @@ class CSearchController {
   /// spare height of its forward walk is known then, too.
   std::optional<std::int64_t> foresee_score(Csat& seed, GrowthAids& aids) const;
 
+  /// Grows the seed both ways and trims it. Long stretches of events may be left untold. In either direction it may
+  /// pause.
+  Growth grow_imperfect(Csat& seed, GrowthAids& aids, const PausePoint& pause) const;
+
+  /// Whether the repeat, which lies in the stretch, certainly does so when it has grown to its ends. False also if that
+  /// cannot be told.
+  bool stays_within(const GrowingRepeat& grown, Growth growth, std::int64_t unit_length, const Stretch& stretch) const;
+
   /// Whether the window [begin, end) may be a unit: no N, and not a single base repeated unless it is one base long.
   /// `next_N` is the first N at or after `begin`, or the sequence end.
   static bool valid_starting_pattern(const char* begin, const char* end, const char* next_N);
@@ -159,6 +170,7 @@ class CSearchController {
   const ThresholdTable* minLengths;
 
  private:
+  friend class HiddenRepeats;
   friend class ImperfectPass;
   friend class PostponedRepeats;
 
@@ -191,19 +203,18 @@ class CSearchController {
   void search_exact_units(std::int64_t unit_length, CAnchorSeq& cover, const KeepRepeat& keep);
   void extend_exact_both_ways(Csat& sat) const;
 
-  void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found);
-  void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found);
-  /// Grows the seed both ways and trims it. Long stretches of events may be left untold. In either direction it may
-  /// pause.
-  Growth grow_imperfect(Csat& seed, GrowthAids& aids, const PausePoint& pause) const;
+  /// Repeats of which only a stretch is known are added to `hidden`.
+  void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found, HiddenRepeats& hidden);
+  void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found,
+                                              HiddenRepeats& hidden);
   Growth grow_imperfect(Csat& seed, GrowthAids& aids) const { return grow_imperfect(seed, aids, PausePoint::never()); }
   /// Grows a right end that has paused, and trims it if that is done. Returns whether it pauses again.
   bool grow_on(Csat& sat, GrowthAids& aids, const PausePoint& pause) const;
   /// Notes the deletion that a seed whose right end has paused will have at its first base, if it will have one. False
   /// if that is not known.
   bool note_event_at_left_end(Csat& seed, GrowthAids& aids) const;
-  /// Grows the right ends of the ones to where they stop, and then the left ends of the others. All are of one unit
-  /// length.
+  /// Grows the right ends of the ones to where they stop, and then the left ends of the others, which it trims. All are
+  /// of one unit length.
   void finish_growth(const std::vector<GrowingRepeat*>& forward, const std::vector<GrowingRepeat*>& backward,
                      std::int64_t unit_length) const;
   using GrowShare = std::function<void(const std::vector<GrowingRepeat*>& share, GrowthAids& aids)>;

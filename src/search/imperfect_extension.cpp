@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "search/CSearchController.h"
+#include "search/array_edge.h"
 #include "search/front_set.h"
 #include "search/lookahead_way.h"
 #include "search/lookahead_window.h"
@@ -181,6 +182,14 @@ class ImperfectWalk {
         go_to_line(forward ? front.position + bases_of_view : front.position - bases_of_view, walk);
     // It would be adopted with any higher score, too.
     return leg.highest > 0 && !leg.depends_on_score ? BeginEvent::deletion : BeginEvent::unknown;
+  }
+
+  /// Whether a walk that has paused certainly ends at an edge or before, from its highest score so far: this one or a
+  /// higher one, up to `most_score`.
+  bool ends_by(const char* edge, const char* position, std::int64_t score, std::int64_t most_score) {
+    return ArrayEdge<forward>(edge, limit, rules, aids.unit_words)
+        .stops({position, circle.begin, score, 0}, most_score, circle,
+               [this](const char* line, BundledWalk<forward>& walk) { go_to_line(line, walk); });
   }
 
   /// Goes on to a line, or over it, unless the walk is over before. Returns its leg.
@@ -626,6 +635,22 @@ void grow_side_by_side(const std::vector<GrowingRepeat*>& repeats, std::int64_t 
 
 }  // namespace
 
+bool CSearchController::stays_within(const GrowingRepeat& grown, Growth growth, std::int64_t unit_length,
+                                     const Stretch& stretch) const {
+  GrowthAids& aids = aids_of(0);
+  const char* const first_base = seq.begin();
+  const UnitCircle unit{first_base + grown.unit, first_base + grown.unit + unit_length};
+  Csat record;
+  std::int64_t most_score = grown.score;
+  if (growth == Growth::paused_forward) {
+    ImperfectWalk<true> walk(record, unit, seq.end(), rules, planes, first_base, aids.forward, nullptr);
+    if (!walk.ends_by(first_base + stretch.end, first_base + grown.right_end, grown.score, most_score)) return false;
+    most_score += stretch.end - grown.right_end;
+  }
+  ImperfectWalk<false> walk(record, unit, first_base, rules, planes, first_base, aids.backward, nullptr);
+  return walk.ends_by(first_base + stretch.begin, first_base + grown.left, grown.score, most_score);
+}
+
 void CSearchController::finish_growth(const std::vector<GrowingRepeat*>& forward,
                                       const std::vector<GrowingRepeat*>& backward, std::int64_t unit_length) const {
   share_out(forward, unit_length, [&](const std::vector<GrowingRepeat*>& share, GrowthAids& aids) {
@@ -634,6 +659,11 @@ void CSearchController::finish_growth(const std::vector<GrowingRepeat*>& forward
   share_out(backward, unit_length, [&](const std::vector<GrowingRepeat*>& share, GrowthAids& aids) {
     grow_side_by_side(share, unit_length, seq.begin(), rules, planes, seq.begin(), aids.backward);
   });
+  const char* const first_base = seq.begin();
+  for (GrowingRepeat* grown : backward) {
+    while (first_base[grown->right_end - 1] == 'N') --grown->right_end;
+    while (first_base[grown->left] == 'N') ++grown->left;
+  }
 }
 
 void CSearchController::share_out(const std::vector<GrowingRepeat*>& repeats, std::int64_t unit_length,

@@ -14,6 +14,7 @@
 
 #include "search/CSearchController.h"
 #include "search/candidate_scan.h"
+#include "search/hidden_repeats.h"
 #include "search/lag_filter.h"
 #include "search/postponed_repeats.h"
 #include "search/seed_filter.h"
@@ -27,14 +28,14 @@
 class ImperfectPass {
  public:
   ImperfectPass(const CSearchController& controller, std::int64_t unit_length, CAnchorSeq& anchors,
-                std::list<Csat*>& found)
+                std::list<Csat*>& found, HiddenRepeats& hidden)
       : controller_(controller),
         unit_length_(unit_length),
         minimum_(controller.minimum_of(unit_length)),
         anchors_(anchors),
         found_(found),
         next_N_(controller.seq.begin()),
-        postponed_(controller, unit_length, anchors),
+        postponed_(controller, unit_length, anchors, hidden),
         // A seed that pauses should be known to be kept.
         pause_(may_postpone() ? PausePoint{std::max(shortest_long_repeat, 2 * unit_length), minimum_.score}
                               : PausePoint::never()) {}
@@ -287,9 +288,10 @@ void return_free_memory() {
 
 void CSearchController::complete_imperfect_search() {
   CAnchorSeq anchors(seq.begin(), seq.sequence.length);
+  HiddenRepeats hidden(*this);
   std::int64_t first = global_min_unit_length;
   if (first == 1) {
-    unit_len_1_complete_imperfect_search(anchors, imperfect_sats.sats);
+    unit_len_1_complete_imperfect_search(anchors, imperfect_sats.sats, hidden);
     // Runs of one base never hide positions from longer units; repeats of longer units do.
     anchors.reset();
     first = 2;
@@ -297,21 +299,23 @@ void CSearchController::complete_imperfect_search() {
   for (std::int64_t length = first; length <= longest_unit(); ++length) {
     prepare_candidates(length);
     anchors.settle_all();  // the guides of the next length need the memory
-    one_unit_len_complete_imperfect_search(length, anchors, imperfect_sats.sats);
+    one_unit_len_complete_imperfect_search(length, anchors, imperfect_sats.sats, hidden);
   }
+  hidden.settle(imperfect_sats.sats);
   // The report of a long repeat takes memory of its own.
   if (is_long()) let_go_of_walks();
   sort_sats(imperfect_sats.sats);
 }
 
-void CSearchController::unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found) {
+void CSearchController::unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found,
+                                                             HiddenRepeats& hidden) {
   // A window of one base is free at both ends or at none, and any base but N is a unit.
-  one_unit_len_complete_imperfect_search(1, anchors, found);
+  one_unit_len_complete_imperfect_search(1, anchors, found, hidden);
 }
 
 void CSearchController::one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors,
-                                                               std::list<Csat*>& found) {
-  ImperfectPass pass(*this, unit_length, anchors, found);
+                                                               std::list<Csat*>& found, HiddenRepeats& hidden) {
+  ImperfectPass pass(*this, unit_length, anchors, found, hidden);
   if (workers.count() == 1) {
     for_each_candidate(
         unit_length, rules.maximum_depth, anchors,

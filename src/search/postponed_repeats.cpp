@@ -1,41 +1,18 @@
 #include "search/postponed_repeats.h"
 
 #include <algorithm>
-#include <iterator>
 #include <map>
+#include <optional>
 #include <utility>
 
-namespace {
+#include "search/stretches.h"
 
-/// Parts of a sequence, half-open ranges that neither overlap nor touch.
-class Stretches {
- public:
-  bool contain(std::uint32_t begin, std::uint32_t end) const {
-    const auto behind = ends_.upper_bound(begin);
-    return behind != ends_.begin() && std::prev(behind)->second >= end;
-  }
-
-  void add(std::uint32_t begin, std::uint32_t end) {
-    auto first = ends_.upper_bound(begin);
-    if (first != ends_.begin() && std::prev(first)->second >= begin) --first;
-    while (first != ends_.end() && first->first <= end) {
-      begin = std::min(begin, first->first);
-      end = std::max(end, first->second);
-      first = ends_.erase(first);
-    }
-    ends_.emplace(begin, end);
-  }
-
- private:
-  std::map<std::uint32_t, std::uint32_t> ends_;  ///< by the beginnings
-};
-
-}  // namespace
-
-PostponedRepeats::PostponedRepeats(const CSearchController& controller, std::int64_t unit_length, CAnchorSeq& anchors)
+PostponedRepeats::PostponedRepeats(const CSearchController& controller, std::int64_t unit_length, CAnchorSeq& anchors,
+                                   HiddenRepeats& hidden)
     : controller_(controller),
       unit_length_(unit_length),
       anchors_(anchors),
+      hidden_(hidden),
       // Their growth takes memory for each unit.
       most_repeats_(static_cast<std::size_t>(std::min(std::int64_t{1} << 17, (std::int64_t{1} << 23) / unit_length))) {}
 
@@ -58,11 +35,11 @@ void PostponedRepeats::postpone(const Csat& sat, Growth growth, const std::vecto
   } else {
     note_end(grown.right_end);
   }
-  repeats_.push_back({grown, true});
+  repeats_.push_back({grown, growth, true});
 }
 
 void PostponedRepeats::note_kept(const Csat& sat) {
-  repeats_.push_back({GrowingRepeat(sat, at(0)), false});
+  repeats_.push_back({GrowingRepeat(sat, at(0)), Growth::finished, false});
   note_end(repeats_.back().grown.right_end);
 }
 
@@ -97,12 +74,13 @@ void PostponedRepeats::grow_on(const char* end) {
     anchors_.cover(*sat, aids.forward.untold);
   }
   if (pauses) return;
+  repeats_[open.number].growth = Growth::paused_backward;
   open_.pop_back();
   note_end(std::max(open.later_end, grown.right_end));
 }
 
 void PostponedRepeats::finish(const Wanted& is_wanted, const Store& store) {
-  grow_side_by_side();
+  grow_to_ends();
   find_visible();
   for (const Repeat& repeat : repeats_) {
     if (repeat.is_visible) cover_anew(repeat.grown);
@@ -116,27 +94,50 @@ void PostponedRepeats::finish(const Wanted& is_wanted, const Store& store) {
   last_end_ = 0;
 }
 
-void PostponedRepeats::grow_side_by_side() {
+void PostponedRepeats::grow_to_ends() {
+  Stretches covered;
+  std::vector<Repeat*> seen;
+  std::size_t most = 1;
+  const auto grow = [&] {
+    grow_side_by_side(seen);
+    for (const Repeat* repeat : seen) covered.add(repeat->stretch());
+    seen.clear();
+    most *= 2;
+  };
+  for (auto repeat = repeats_.rbegin(); repeat != repeats_.rend(); ++repeat) {
+    if (repeat->growth == Growth::finished) {
+      covered.add(repeat->stretch());
+      continue;
+    }
+    const std::optional<Stretch> around = covered.around(repeat->stretch());
+    repeat->is_hidden = around && controller_.stays_within(repeat->grown, repeat->growth, unit_length_, *around);
+    if (repeat->is_hidden) {
+      hidden_.add(repeat->grown, repeat->growth, unit_length_, *around);
+    } else {
+      seen.push_back(&*repeat);
+      if (seen.size() == most) grow();
+    }
+  }
+  grow();
+}
+
+void PostponedRepeats::grow_side_by_side(const std::vector<Repeat*>& repeats) {
   std::vector<GrowingRepeat*> forward;
-  for (const Open& open : open_) forward.push_back(&repeats_[open.number].grown);
   std::vector<GrowingRepeat*> backward;
-  for (Repeat& repeat : repeats_) {
-    if (repeat.waits) backward.push_back(&repeat.grown);
+  for (Repeat* repeat : repeats) {
+    if (repeat->growth == Growth::paused_forward) forward.push_back(&repeat->grown);
+    backward.push_back(&repeat->grown);
+    repeat->growth = Growth::finished;
   }
   controller_.finish_growth(forward, backward, unit_length_);
-  for (GrowingRepeat* grown : backward) {
-    while (*at(grown->right_end - 1) == 'N') --grown->right_end;
-    while (*at(grown->left) == 'N') ++grown->left;
-  }
 }
 
 /// A repeat has no anchors to be seen where later ones cover it.
 void PostponedRepeats::find_visible() {
   Stretches covered;
   for (auto repeat = repeats_.rbegin(); repeat != repeats_.rend(); ++repeat) {
-    const GrowingRepeat& grown = repeat->grown;
-    repeat->is_visible = !covered.contain(grown.left, grown.right_end);
-    if (repeat->is_visible) covered.add(grown.left, grown.right_end);
+    repeat->is_visible = !repeat->is_hidden && !covered.around(repeat->stretch());
+    if (repeat->is_visible) covered.add(repeat->stretch());
   }
 }
 
@@ -151,7 +152,7 @@ void PostponedRepeats::cover_anew(const GrowingRepeat& grown) {
 std::vector<const PostponedRepeats::Repeat*> PostponedRepeats::best_of_each_stretch() const {
   std::map<std::pair<std::uint32_t, std::uint32_t>, const Repeat*> best;
   for (const Repeat& repeat : repeats_) {
-    if (!repeat.waits) continue;
+    if (!repeat.was_postponed || repeat.is_hidden) continue;
     const GrowingRepeat& grown = repeat.grown;
     const Repeat*& other = best.try_emplace({grown.left, grown.right_end}, &repeat).first->second;
     if (grown.score > other->grown.score) other = &repeat;

@@ -9,6 +9,7 @@
 #include "search/CAnchorSeq.h"
 #include "search/CSearchController.h"
 #include "search/growing_repeat.h"
+#include "search/hidden_repeats.h"
 
 /// Kept repeats of one unit length that have not grown to their ends yet.
 ///
@@ -26,7 +27,8 @@ class PostponedRepeats {
   using Wanted = std::function<bool(const Csat&)>;
   using Store = std::function<void(OwnedSat)>;
 
-  PostponedRepeats(const CSearchController& controller, std::int64_t unit_length, CAnchorSeq& anchors);
+  PostponedRepeats(const CSearchController& controller, std::int64_t unit_length, CAnchorSeq& anchors,
+                   HiddenRepeats& hidden);
 
   bool empty() const { return repeats_.empty(); }
 
@@ -51,8 +53,12 @@ class PostponedRepeats {
  private:
   struct Repeat {
     GrowingRepeat grown;
-    bool waits;               ///< otherwise it was kept with the others, and has its ends
+    Growth growth;
+    bool was_postponed;       ///< otherwise it was kept with the others, and is stored
+    bool is_hidden = false;   ///< it certainly lies where later ones do
     bool is_visible = false;  ///< its anchors are, or some of them
+
+    Stretch stretch() const { return {grown.left, grown.right_end}; }
   };
 
   /// A repeat whose right end has paused.
@@ -71,7 +77,9 @@ class PostponedRepeats {
   void note_end(std::uint32_t right_end);
   /// The one kept last grows on to `end`, and covers what is its own there.
   void grow_on(const char* end);
-  void grow_side_by_side();
+  /// Those that may be seen.
+  void grow_to_ends();
+  void grow_side_by_side(const std::vector<Repeat*>& repeats);
   void find_visible();
   void cover_anew(const GrowingRepeat& grown);
   std::vector<const Repeat*> best_of_each_stretch() const;
@@ -79,6 +87,7 @@ class PostponedRepeats {
   const CSearchController& controller_;
   const std::int64_t unit_length_;
   CAnchorSeq& anchors_;
+  HiddenRepeats& hidden_;
   const std::size_t most_repeats_;
   std::vector<Repeat> repeats_;  ///< since the first of those that wait
   std::vector<Open> open_;       ///< of those

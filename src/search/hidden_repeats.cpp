@@ -1,0 +1,326 @@
+#include "search/hidden_repeats.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+/// A repeat with its ends and its score, before the overlap removal.
+struct Contestant {
+  Stretch stretch;
+  std::int64_t unit_length;
+  std::int64_t score;
+
+  std::int64_t outside(const Stretch& other) const { return std::int64_t{stretch.length()} - shared(other); }
+  std::int64_t shared(const Stretch& other) const {
+    const std::int64_t end = std::min(stretch.end, other.end);
+    return std::max<std::int64_t>(0, end - std::max(stretch.begin, other.begin));
+  }
+  /// Whether one of the two would be removed.
+  bool competes_with(const Contestant& other) const {
+    return shared(other.stretch) > 0 &&
+           (outside(other.stretch) < unit_length || other.outside(stretch) < other.unit_length);
+  }
+};
+
+bool comes_before(const Contestant& a, const Contestant& b) {
+  return std::tie(a.stretch.begin, a.stretch.end, a.unit_length) <
+         std::tie(b.stretch.begin, b.stretch.end, b.unit_length);
+}
+
+}  // namespace
+
+/// All records found, by their ends, as they will stand in the sorted list.
+class HiddenRepeats::Field {
+ public:
+  Field(const std::list<Csat*>& found, const char* first_base) {
+    contestants_.reserve(found.size());
+    for (const Csat* sat : found) {
+      contestants_.push_back({{static_cast<std::uint32_t>(sat->pos_left - first_base),
+                               static_cast<std::uint32_t>(sat->pos_right_end - first_base)},
+                              sat->unit_length(),
+                              sat->score});
+    }
+    std::stable_sort(contestants_.begin(), contestants_.end(), comes_before);
+    std::uint32_t end = 0;
+    for (const Contestant& contestant : contestants_) {
+      end = std::max(end, contestant.stretch.end);
+      ends_so_far_.push_back(end);
+    }
+  }
+
+  /// Calls `visit` with those that overlap with the stretch, in their order.
+  template <typename Visit>
+  void for_each_in(const Stretch& stretch, Visit visit) const {
+    const auto end = std::partition_point(contestants_.begin(), contestants_.end(), [&](const Contestant& contestant) {
+      return contestant.stretch.begin < stretch.end;
+    });
+    const auto first = std::upper_bound(ends_so_far_.begin(), ends_so_far_.end(), stretch.begin);
+    for (auto at = contestants_.begin() + (first - ends_so_far_.begin()); at < end; ++at) {
+      if (at->stretch.end > stretch.begin) visit(*at);
+    }
+  }
+
+ private:
+  std::vector<Contestant> contestants_;
+  std::vector<std::uint32_t> ends_so_far_;  ///< the greatest end up to each of them
+};
+
+/// Hidden repeats whose stretches overlap.
+class HiddenRepeats::Array {
+ public:
+  /// `zone` is what lies between the hidden repeats of other arrays, `field` all records found before.
+  Array(const CSearchController& controller, const std::vector<Repeat*>& repeats, const Stretch& stretch,
+        const Stretch& zone, const Field& field)
+      : controller_(controller), stretch_(stretch), zone_(zone), field_(field) {
+    waiting_.reserve(repeats.size());
+    if (stretch.length() < shortest_counted) {
+      for (Repeat* repeat : repeats) waiting_.push_back({highest_score(*repeat), false, repeat});
+      return;
+    }
+    const char* const first_base = controller.seq.begin();
+    UnitWords& words = controller.aids_of(0).unit_words;
+    const UnitWords::Counts counts = words.counts_in(first_base + stretch.begin, first_base + stretch.end);
+    for (Repeat* repeat : repeats) waiting_.push_back({words.highest_score(counts, unit_of(*repeat)), true, repeat});
+  }
+
+  /// Grows those that may win against the best one, or all if the overlap removal may depend on them. Those that have
+  /// not grown to their ends then need not be known.
+  void settle() {
+    std::int64_t best_score = INT64_MIN;
+    const auto take_if_best = [&](const Contestant& other) {
+      if (is_main(other)) best_score = std::max(best_score, other.score);
+    };
+    field_.for_each_in(stretch_, take_if_best);
+    for (Waiting& waiting : waiting_) {
+      if (waiting.is_rough && waiting.most_score >= best_score) {
+        waiting.most_score = std::min(waiting.most_score, highest_score(*waiting.repeat));
+      }
+    }
+    for (std::ptrdiff_t most = 16;; most *= 2) {
+      std::stable_sort(waiting_.begin(), waiting_.end(),
+                       [](const Waiting& a, const Waiting& b) { return a.most_score > b.most_score; });
+      const auto end = std::find_if(waiting_.begin(), waiting_.end(),
+                                    [&](const Waiting& waiting) { return waiting.most_score < best_score; });
+      if (end == waiting_.begin()) break;
+      grow_an_end(std::min(most, end - waiting_.begin()));
+      std::for_each(grown_.begin(), grown_.end(), take_if_best);
+    }
+    const std::vector<Contestant> all = all_in(stretch_);
+    const auto best = best_of(all);
+    const auto wins = [&](const Waiting& waiting) { return best == all.end() || !loses(waiting, *best); };
+    grow(std::partition(waiting_.begin(), waiting_.end(), wins) - waiting_.begin());
+    if (!waiting_.empty() && !may_leave_out_others()) grow(static_cast<std::ptrdiff_t>(waiting_.size()));
+  }
+
+ private:
+  struct Waiting {
+    std::int64_t most_score;
+    bool is_rough;  ///< the one bound that takes no longer for a longer array
+    Repeat* repeat;
+  };
+
+  /// From so many bases on the words of an array are counted.
+  static constexpr std::uint32_t shortest_counted = 1 << 17;
+
+  UnitCircle unit_of(const Repeat& repeat) const {
+    const char* const begin = controller_.seq.begin() + repeat.grown.unit;
+    return {begin, begin + repeat.unit_length};
+  }
+
+  /// What the repeat scores at most within its stretch.
+  std::int64_t highest_score(const Repeat& repeat) const {
+    const char* const first_base = controller_.seq.begin();
+    const GrowingRepeat& grown = repeat.grown;
+    const UnitCircle unit = unit_of(repeat);
+    UnitWords& words = controller_.aids_of(0).unit_words;
+    constexpr std::int64_t never = INT64_MAX / 4;
+    std::int64_t score = grown.score;
+    if (repeat.growth == Growth::paused_forward) {
+      const char* const end = first_base + repeat.stretch.end;
+      score += words.gains<true>(first_base + grown.right_end, end, unit, never, never).highest;
+    }
+    const char* const begin = first_base + repeat.stretch.begin;
+    return score + words.gains<false>(first_base + grown.left, begin, unit, never, never).highest;
+  }
+
+  /// The first ones grow to their ends.
+  void grow(std::ptrdiff_t count) {
+    while (count > 0) count = grow_an_end(count);
+  }
+
+  /// The first ones grow at an end, the right one first. Returns how many of them have another one to grow: they are
+  /// the first ones now.
+  std::ptrdiff_t grow_an_end(std::ptrdiff_t count) {
+    struct Ends {
+      std::vector<GrowingRepeat*> right;
+      std::vector<GrowingRepeat*> left;
+    };
+    std::map<std::int64_t, Ends> by_length;
+    const auto end = waiting_.begin() + count;
+    for (auto at = waiting_.begin(); at != end; ++at) {
+      Repeat& repeat = *at->repeat;
+      Ends& ends = by_length[repeat.unit_length];
+      const bool is_right = repeat.growth == Growth::paused_forward;
+      (is_right ? ends.right : ends.left).push_back(&repeat.grown);
+      repeat.growth = is_right ? Growth::paused_backward : Growth::finished;
+    }
+    for (const auto& [length, ends] : by_length) controller_.finish_growth(ends.right, ends.left, length);
+    const auto grown = std::stable_partition(
+        waiting_.begin(), end, [](const Waiting& waiting) { return waiting.repeat->growth != Growth::finished; });
+    for (auto at = waiting_.begin(); at != grown; ++at) at->most_score = highest_score(*at->repeat);
+    for (auto at = grown; at != end; ++at) {
+      const Repeat& repeat = *at->repeat;
+      grown_.push_back({repeat.known(), repeat.unit_length, repeat.grown.score});
+    }
+    const std::ptrdiff_t others = grown - waiting_.begin();
+    waiting_.erase(grown, end);
+    return others;
+  }
+
+  /// All records that overlap with a stretch and have their ends, in the order of the sorted list.
+  std::vector<Contestant> all_in(const Stretch& stretch) const {
+    std::vector<Contestant> all;
+    field_.for_each_in(stretch, [&all](const Contestant& contestant) { all.push_back(contestant); });
+    all.insert(all.end(), grown_.begin(), grown_.end());
+    std::stable_sort(all.begin(), all.end(), comes_before);
+    return all;
+  }
+
+  /// Whether the overlap removal comes to the same with or without the repeats that have not grown.
+  bool may_leave_out_others() const {
+    Stretch stretch = waiting_.front().repeat->stretch;
+    std::int64_t least_beyond_unit = INT64_MAX;
+    for (const Waiting& waiting : waiting_) {
+      const Repeat& repeat = *waiting.repeat;
+      stretch.begin = std::min(stretch.begin, repeat.stretch.begin);
+      stretch.end = std::max(stretch.end, repeat.stretch.end);
+      least_beyond_unit = std::min(least_beyond_unit, std::int64_t{repeat.known().length()} - repeat.unit_length);
+    }
+    const std::vector<Contestant> all = all_in(stretch);
+    const auto best = best_of(all);
+    if (best == all.end() || !zone_.contains(best->stretch) || !wins_everywhere(*best)) return false;
+    const auto loses_to_best = [&best](const Waiting& waiting) { return loses(waiting, *best); };
+    if (!std::all_of(waiting_.begin(), waiting_.end(), loses_to_best)) return false;
+    // Those before the best one that lose to it, too, come to nothing in any case, but sooner or later: they may meet
+    // no others behind the place where the first of these repeats may begin.
+    bool has_met_loser = false;
+    for (auto other = all.begin(); other != best; ++other) {
+      if (other->shared(stretch) == 0) continue;
+      if (other->competes_with(*best)) {
+        has_met_loser = true;
+      } else if (has_met_loser || other->stretch.begin >= stretch.begin ||
+                 other->outside(stretch) < other->unit_length || other->shared(stretch) > least_beyond_unit) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+  /// Whether it covers most of the array. Another one beside it may have a higher score.
+  bool is_main(const Contestant& contestant) const { return 2 * contestant.shared(stretch_) > stretch_.length(); }
+
+  /// Of those that cover most of the array the first one of the highest score.
+  std::vector<Contestant>::const_iterator best_of(const std::vector<Contestant>& all) const {
+    auto best = all.end();
+    for (auto at = all.begin(); at != all.end(); ++at) {
+      if (is_main(*at) && (best == all.end() || at->score > best->score)) best = at;
+    }
+    return best;
+  }
+
+  /// Whether the repeat certainly competes with the best one, and loses.
+  static bool loses(const Waiting& waiting, const Contestant& best) {
+    const Repeat& repeat = *waiting.repeat;
+    return waiting.most_score < best.score && repeat.known().length() >= repeat.unit_length &&
+           Contestant{repeat.stretch, 0, 0}.outside(best.stretch) < repeat.unit_length;
+  }
+
+  /// Against all others that compete with it.
+  bool wins_everywhere(const Contestant& best) const {
+    bool wins = true;
+    const auto meet = [&](const Contestant& other) {
+      const bool is_better = other.score > best.score || (other.score == best.score && comes_before(other, best));
+      wins = wins && !(is_better && other.competes_with(best));
+    };
+    field_.for_each_in(best.stretch, meet);
+    std::for_each(grown_.begin(), grown_.end(), meet);
+    return wins;
+  }
+
+  const CSearchController& controller_;
+  const Stretch stretch_;
+  const Stretch zone_;
+  const Field& field_;
+  std::vector<Waiting> waiting_;
+  std::vector<Contestant> grown_;  ///< those that have grown to their ends
+};
+
+void HiddenRepeats::settle(std::list<Csat*>& found) {
+  if (repeats_.empty()) return;
+  settle_arrays(Field(found, controller_.seq.begin()));
+  add_grown_ones(found);
+  repeats_.clear();
+}
+
+void HiddenRepeats::settle_arrays(const Field& field) {
+  std::vector<Repeat*> repeats;
+  repeats.reserve(repeats_.size());
+  for (Repeat& repeat : repeats_) repeats.push_back(&repeat);
+  std::stable_sort(repeats.begin(), repeats.end(),
+                   [](const Repeat* a, const Repeat* b) { return a->stretch.begin < b->stretch.begin; });
+  std::uint32_t last_end = 0;
+  for (auto first = repeats.begin(); first != repeats.end();) {
+    Stretch stretch = (*first)->stretch;
+    auto end = std::next(first);
+    for (; end != repeats.end() && (*end)->stretch.begin < stretch.end; ++end) {
+      stretch.end = std::max(stretch.end, (*end)->stretch.end);
+    }
+    const Stretch zone{last_end, end == repeats.end() ? UINT32_MAX : (*end)->stretch.begin};
+    Array(controller_, {first, end}, stretch, zone, field).settle();
+    last_end = stretch.end;
+    first = end;
+  }
+}
+
+void HiddenRepeats::add_grown_ones(std::list<Csat*>& found) const {
+  const char* const first_base = controller_.seq.begin();
+  // Of those of one unit length and the same ends only the best one, the first of several.
+  const auto wins = [](const GrowingRepeat& a, const GrowingRepeat& b) {
+    return a.score > b.score || (a.score == b.score && a.unit < b.unit);
+  };
+  using Key = std::tuple<std::int64_t, std::uint32_t, std::uint32_t>;
+  std::map<Key, const GrowingRepeat*> best;
+  for (const Repeat& repeat : repeats_) {
+    if (repeat.growth != Growth::finished) continue;
+    const GrowingRepeat& grown = repeat.grown;
+    const GrowingRepeat*& other =
+        best.try_emplace({repeat.unit_length, grown.left, grown.right_end}, &grown).first->second;
+    if (wins(grown, *other)) other = &grown;
+  }
+  if (best.empty()) return;
+  for (auto at = found.begin(); at != found.end();) {
+    const GrowingRepeat older(**at, first_base);
+    const auto same = best.find({(*at)->unit_length(), older.left, older.right_end});
+    if (same != best.end() && wins(*same->second, older)) {
+      sat_alloc.give_back(*at);
+      at = found.erase(at);
+      continue;
+    }
+    if (same != best.end()) best.erase(same);
+    ++at;
+  }
+  auto at = found.begin();
+  for (const auto& [key, grown] : best) {
+    const std::int64_t unit_length = std::get<0>(key);
+    while (at != found.end() && (*at)->unit_length() <= unit_length) ++at;
+    const char* const unit = first_base + grown->unit;
+    OwnedSat sat(sat_alloc.take(unit, unit + unit_length));
+    grown->store(*sat, first_base);
+    found.insert(at, sat.get());
+    static_cast<void>(sat.release());
+  }
+}
