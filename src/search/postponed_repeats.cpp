@@ -102,7 +102,7 @@ void PostponedRepeats::grow_to_ends() {
     grow_side_by_side(seen);
     for (const Repeat* repeat : seen) covered.add(repeat->stretch());
     seen.clear();
-    most *= 2;
+    most *= 4;
   };
   for (auto repeat = repeats_.rbegin(); repeat != repeats_.rend(); ++repeat) {
     if (repeat->growth == Growth::finished) {
