@@ -4,7 +4,7 @@
 #include <iterator>
 #include <map>
 #include <tuple>
-#include <utility>
+#include <vector>
 
 namespace {
 

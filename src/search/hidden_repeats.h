@@ -1,9 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <list>
-#include <vector>
 
 #include "satellite/Csat.h"
 #include "search/CSearchController.h"
@@ -48,5 +47,5 @@ class HiddenRepeats {
   void add_grown_ones(std::list<Csat*>& found) const;
 
   const CSearchController& controller_;
-  std::vector<Repeat> repeats_;
+  std::deque<Repeat> repeats_;  ///< which takes no more memory while it grows
 };

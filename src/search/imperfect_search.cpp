@@ -301,8 +301,9 @@ void CSearchController::complete_imperfect_search() {
     anchors.settle_all();  // the guides of the next length need the memory
     one_unit_len_complete_imperfect_search(length, anchors, imperfect_sats.sats, hidden);
   }
+  // What is left to do takes memory of its own, and so does the report of a long repeat.
+  if (is_long()) let_go_of_walks();
   hidden.settle(imperfect_sats.sats);
-  // The report of a long repeat takes memory of its own.
   if (is_long()) let_go_of_walks();
   sort_sats(imperfect_sats.sats);
 }
