@@ -178,10 +178,16 @@ class ImperfectWalk {
     if (front.next_base() == 'N' || !all_permitted(front)) return BeginEvent::unknown;
     UnitRuns::View view;
     if (step_by_view(front, view).kind != 'D') return BeginEvent::none;
-    const WalkLeg<forward> leg =
-        go_to_line(forward ? front.position + bases_of_view : front.position - bases_of_view, walk);
-    // It would be adopted with any higher score, too.
-    return leg.highest > 0 && !leg.depends_on_score ? BeginEvent::deletion : BeginEvent::unknown;
+    // Most walks gain something soon. With an array that is longer than the unit by some bases they have to make up
+    // for as many deletions.
+    const char* const begin = front.position;
+    for (std::int64_t bases = bases_of_view; bases <= most_bases_of_view && !walk.is_over; bases *= 4) {
+      const WalkLeg<forward> leg = go_to_line(forward ? begin + bases : begin - bases, walk);
+      if (leg.depends_on_score) return BeginEvent::unknown;
+      // It would be adopted with any higher score, too.
+      if (walk.best_score > sat.score) return BeginEvent::deletion;
+    }
+    return BeginEvent::unknown;
   }
 
   /// Whether a walk that has paused certainly ends at an edge or before, from its highest score so far: this one or a
@@ -531,8 +537,9 @@ class ImperfectWalk {
 
   /// Each next one has a unit base less to go backward.
   static constexpr std::int64_t seeds_to_share_limit = 32;
-  /// Enough for a walk that goes on to gain something.
+  /// Enough for nearly every walk that goes on to gain something, and for all but a few.
   static constexpr std::int64_t bases_of_view = 64;
+  static constexpr std::int64_t most_bases_of_view = 64 << 6;
   /// The question costs as much as a step or two.
   static constexpr std::int64_t bases_between_checks = 32;
   static constexpr std::size_t longest_told_stretch = 64;

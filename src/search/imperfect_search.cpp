@@ -121,11 +121,12 @@ class ImperfectPass {
       aids.foresight.count(score.has_value());
       if (score && *score < minimum_.score) return end_of_like(p, aids.forward.spare_height);
     }
-    growth = controller_.grow_imperfect(*spare, aids, pause_);
-    if (growth != Growth::finished) {
+    // What is not known yet is known with a higher score, nearly always.
+    for (PausePoint pause = pause_;; pause.bases *= 4) {
+      growth = controller_.grow_imperfect(*spare, aids, pause);
+      if (growth == Growth::finished) break;
       if (is_kept_and_known(*spare, growth, aids)) return p;
       spare->seed(p, p + unit_length_);
-      growth = controller_.grow_imperfect(*spare, aids);
     }
     return minimum_.is_reached_by(*spare) ? p : end_of_like(p, aids.forward.spare_height);
   }

@@ -45,10 +45,13 @@ void PostponedRepeats::note_kept(const Csat& sat) {
 
 bool PostponedRepeats::reach(const char* end) {
   while (!open_.empty()) {
-    const std::ptrdiff_t bases = end - at(repeats_[open_.back().number].grown.right_end);
+    const std::uint32_t right_end = repeats_[open_.back().number].grown.right_end;
+    const std::ptrdiff_t bases = end - at(right_end);
     if (bases <= 0) return true;
-    if (open_.size() > 1 && bases > most_bases_behind) return false;
-    grow_on(end);
+    const bool is_far_behind = open_.size() > 1 && bases > most_bases_behind;
+    if (is_far_behind && bases_to_catch_up_ <= 0) return false;
+    const std::int64_t grown = grow_on(std::min(end, at(right_end) + most_bases_at_once)) - right_end;
+    if (is_far_behind) bases_to_catch_up_ -= grown + bases_of_fall;
   }
   return true;
 }
@@ -57,7 +60,7 @@ bool PostponedRepeats::lie_before(const char* position) const {
   return open_.empty() && at(last_end_) < position;
 }
 
-void PostponedRepeats::grow_on(const char* end) {
+std::uint32_t PostponedRepeats::grow_on(const char* end) {
   const Open open = open_.back();
   GrowingRepeat& grown = repeats_[open.number].grown;
   const OwnedSat sat = record_of(grown);
@@ -73,13 +76,16 @@ void PostponedRepeats::grow_on(const char* end) {
     sat->missense.size = static_cast<std::size_t>(kept - sat->missense.begin());
     anchors_.cover(*sat, aids.forward.untold);
   }
-  if (pauses) return;
-  repeats_[open.number].growth = Growth::paused_backward;
-  open_.pop_back();
-  note_end(std::max(open.later_end, grown.right_end));
+  if (!pauses) {
+    repeats_[open.number].growth = Growth::paused_backward;
+    open_.pop_back();
+    note_end(std::max(open.later_end, grown.right_end));
+  }
+  return grown.right_end;
 }
 
 void PostponedRepeats::finish(const Wanted& is_wanted, const Store& store) {
+  bases_to_catch_up_ = least_to_catch_up;
   grow_to_ends();
   find_visible();
   for (const Repeat& repeat : repeats_) {
@@ -125,11 +131,13 @@ void PostponedRepeats::grow_side_by_side(const std::vector<Repeat*>& repeats) {
   std::vector<GrowingRepeat*> forward;
   std::vector<GrowingRepeat*> backward;
   for (Repeat* repeat : repeats) {
+    bases_to_catch_up_ -= repeat->stretch().length();
     if (repeat->growth == Growth::paused_forward) forward.push_back(&repeat->grown);
     backward.push_back(&repeat->grown);
     repeat->growth = Growth::finished;
   }
   controller_.finish_growth(forward, backward, unit_length_);
+  for (const Repeat* repeat : repeats) bases_to_catch_up_ += repeat->stretch().length();
 }
 
 /// A repeat has no anchors to be seen where later ones cover it.

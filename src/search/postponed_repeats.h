@@ -69,14 +69,19 @@ class PostponedRepeats {
 
   /// So far a repeat grows on by itself, at least.
   static constexpr std::ptrdiff_t bases_ahead = 512;
-  /// Further it catches up with the others only.
+  /// Further only as long as the bases last that it may take to catch up.
   static constexpr std::ptrdiff_t most_bases_behind = 1 << 10;
+  static constexpr std::int64_t least_to_catch_up = 1 << 14;
+  /// A walk that ends goes on behind its best state, by so much or more.
+  static constexpr std::int64_t bases_of_fall = 1 << 11;
+  /// The events of more would take memory.
+  static constexpr std::ptrdiff_t most_bases_at_once = 1 << 16;
 
   const char* at(std::uint32_t offset) const { return controller_.seq.begin() + offset; }
   OwnedSat record_of(const GrowingRepeat& grown) const;
   void note_end(std::uint32_t right_end);
-  /// The one kept last grows on to `end`, and covers what is its own there.
-  void grow_on(const char* end);
+  /// The one kept last grows on to `end`, and covers what is its own there. Returns its right end.
+  std::uint32_t grow_on(const char* end);
   /// Those that may be seen.
   void grow_to_ends();
   void grow_side_by_side(const std::vector<Repeat*>& repeats);
@@ -92,4 +97,8 @@ class PostponedRepeats {
   std::vector<Repeat> repeats_;  ///< since the first of those that wait
   std::vector<Open> open_;       ///< of those
   std::uint32_t last_end_ = 0;   ///< of all whose right end has grown
+  /// To be gone alone by those far behind: as many as it took the ones that waited before to grow to their ends, which
+  /// they would have to do otherwise. So it takes twice the work at most, and much less where most of them are hidden
+  /// once later ones have grown further.
+  std::int64_t bases_to_catch_up_ = least_to_catch_up;
 };
