@@ -22,6 +22,11 @@ class ArrayEdge {
   ArrayEdge(const char* edge, const char* limit, const ExtensionRules& rules, UnitWords& unit_words)
       : edge_(edge), limit_(limit), rules_(rules), unit_words_(unit_words) {}
 
+  /// The score of a walk from which on that can be told where little is gained beyond the edge.
+  static std::int64_t score_to_tell(std::int64_t unit_length, const ExtensionRules& rules) {
+    return bases_before + most_gain / 2 - deepest_lookahead(rules) - unit_length + 1;
+  }
+
   /// Whether the best state of a walk certainly does not lie beyond the edge. At `front` the score of the walk is the
   /// highest so far: this, or a higher one, up to `most_score`. `go_to_line` as in WalkBundle. False also if that
   /// cannot be told.
@@ -39,9 +44,8 @@ class ArrayEdge {
     const std::int64_t gain = beyond == limit_ ? near.highest : std::max(near.highest, near.last + far_gain);
     if (gain > most_gain) return false;
     // From the line on the score is never lower than this: it could not get above that of the front any more.
-    const std::int64_t least_score = front.score - bases_before - bases_beyond - most_gain;
-    const std::int64_t deepest = rules_.maximum_depth * std::min(rules_.mismatch_score, rules_.indel_score);
-    if (least_score + deepest <= -circle.length()) return false;
+    const std::int64_t least_score = front.score - std::max(bases_before + gain, distance(edge_, beyond) + far_gain);
+    if (least_score + deepest_lookahead(rules_) <= -circle.length()) return false;
 
     std::vector<Crossing> crossings;
     for (const char* unit : units_that_may_pass(circle, gain)) {
@@ -71,6 +75,10 @@ class ArrayEdge {
   /// That permits every step.
   static constexpr std::int64_t high_score = std::int64_t{1} << 40;
   static constexpr std::int32_t no_gain = INT32_MIN / 2;
+
+  static std::int64_t deepest_lookahead(const ExtensionRules& rules) {
+    return rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score);
+  }
 
   static const char* moved(const char* position, std::int64_t bases) {
     return forward ? position + bases : position - bases;

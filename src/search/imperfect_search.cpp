@@ -13,6 +13,7 @@
 #endif
 
 #include "search/CSearchController.h"
+#include "search/array_edge.h"
 #include "search/candidate_scan.h"
 #include "search/hidden_repeats.h"
 #include "search/lag_filter.h"
@@ -36,8 +37,9 @@ class ImperfectPass {
         found_(found),
         next_N_(controller.seq.begin()),
         postponed_(controller, unit_length, anchors, hidden),
-        // A seed that pauses should be known to be kept.
-        pause_(may_postpone() ? PausePoint{std::max(shortest_long_repeat, 2 * unit_length), minimum_.score}
+        // A seed that pauses should be known to be kept, and what it leads to should be easy to tell.
+        pause_(may_postpone() ? PausePoint{std::max(shortest_long_repeat, 2 * unit_length),
+                                           std::max(minimum_.score, ArrayEdge<true>::score_to_tell(unit_length, controller.rules))}
                               : PausePoint::never()) {}
 
   /// Tries a seed that the anchors admit. Returns one past the last of the seeds from `p` on that need not be tried any
