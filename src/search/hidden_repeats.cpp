@@ -6,6 +6,8 @@
 #include <tuple>
 #include <vector>
 
+#include "search/counted_words.h"
+
 namespace {
 
 /// A repeat with its ends and its score, before the overlap removal.
@@ -77,26 +79,25 @@ class HiddenRepeats::Array {
         const Stretch& zone, const Field& field)
       : controller_(controller), stretch_(stretch), zone_(zone), field_(field) {
     waiting_.reserve(repeats.size());
+    field.for_each_in(stretch, [this](const Contestant& other) { take_if_best(other); });
     if (stretch.length() < shortest_counted) {
       for (Repeat* repeat : repeats) waiting_.push_back({highest_score(*repeat), false, repeat});
       return;
     }
-    const char* const first_base = controller.seq.begin();
-    UnitWords& words = controller.aids_of(0).unit_words;
-    const UnitWords::Counts counts = words.counts_in(first_base + stretch.begin, first_base + stretch.end);
-    for (Repeat* repeat : repeats) waiting_.push_back({words.highest_score(counts, unit_of(*repeat)), true, repeat});
+    // Where a unit is some words long a walk may always step between two words.
+    CountedWords nines(9, controller.planes, controller.seq.begin(), stretch, controller.rules);
+    CountedWords sevens(7, controller.planes, controller.seq.begin(), stretch, controller.rules);
+    for (Repeat* repeat : repeats) {
+      CountedWords& words = repeat->unit_length % 9 == 0 ? sevens : nines;
+      waiting_.push_back({words.highest_score(unit_of(*repeat), best_score_), true, repeat});
+    }
   }
 
   /// Grows those that may win against the best one, or all if the overlap removal may depend on them. Those that have
   /// not grown to their ends then need not be known.
   void settle() {
-    std::int64_t best_score = INT64_MIN;
-    const auto take_if_best = [&](const Contestant& other) {
-      if (is_main(other)) best_score = std::max(best_score, other.score);
-    };
-    field_.for_each_in(stretch_, take_if_best);
     for (Waiting& waiting : waiting_) {
-      if (waiting.is_rough && waiting.most_score >= best_score) {
+      if (waiting.is_rough && waiting.most_score >= best_score_) {
         waiting.most_score = std::min(waiting.most_score, highest_score(*waiting.repeat));
       }
     }
@@ -104,10 +105,10 @@ class HiddenRepeats::Array {
       std::stable_sort(waiting_.begin(), waiting_.end(),
                        [](const Waiting& a, const Waiting& b) { return a.most_score > b.most_score; });
       const auto end = std::find_if(waiting_.begin(), waiting_.end(),
-                                    [&](const Waiting& waiting) { return waiting.most_score < best_score; });
+                                    [&](const Waiting& waiting) { return waiting.most_score < best_score_; });
       if (end == waiting_.begin()) break;
       grow_an_end(std::min(most, end - waiting_.begin()));
-      std::for_each(grown_.begin(), grown_.end(), take_if_best);
+      for (const Contestant& other : grown_) take_if_best(other);
     }
     const std::vector<Contestant> all = all_in(stretch_);
     const auto best = best_of(all);
@@ -124,7 +125,7 @@ class HiddenRepeats::Array {
   };
 
   /// From so many bases on the words of an array are counted.
-  static constexpr std::uint32_t shortest_counted = 1 << 17;
+  static constexpr std::uint32_t shortest_counted = 1 << 13;
 
   UnitCircle unit_of(const Repeat& repeat) const {
     const char* const begin = controller_.seq.begin() + repeat.grown.unit;
@@ -220,6 +221,10 @@ class HiddenRepeats::Array {
     return true;
   }
 
+  void take_if_best(const Contestant& other) {
+    if (is_main(other)) best_score_ = std::max(best_score_, other.score);
+  }
+
   /// Whether it covers most of the array. Another one beside it may have a higher score.
   bool is_main(const Contestant& contestant) const { return 2 * contestant.shared(stretch_) > stretch_.length(); }
 
@@ -255,6 +260,7 @@ class HiddenRepeats::Array {
   const Stretch stretch_;
   const Stretch zone_;
   const Field& field_;
+  std::int64_t best_score_ = INT64_MIN;  ///< of those that cover most of the array
   std::vector<Waiting> waiting_;
   std::vector<Contestant> grown_;  ///< those that have grown to their ends
 };

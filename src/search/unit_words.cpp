@@ -77,36 +77,6 @@ template UnitWords::Gains UnitWords::gains<true>(const char* first, const char* 
 template UnitWords::Gains UnitWords::gains<false>(const char* first, const char* limit, const UnitCircle& circle,
                                                   std::int64_t enough, std::int64_t loss);
 
-UnitWords::Counts UnitWords::counts_in(const char* first, const char* end) const {
-  Counts counts;
-  counts.of_known.resize(std::size_t{1} << 2 * bases);
-  for (std::int64_t position = first - begin_; position + bases <= end - begin_; position += bases) {
-    const auto bits = [](std::uint64_t plane) { return static_cast<std::uint32_t>(plane) & mask; };
-    if (bits(planes_.unknown_bits(position)) != 0) {
-      ++counts.unknown;
-    } else {
-      ++counts.of_known[number_of(bits(planes_.low_bits(position)), bits(planes_.high_bits(position)))];
-    }
-  }
-  return counts;
-}
-
-std::int64_t UnitWords::highest_score(const Counts& counts, const UnitCircle& circle) {
-  take_unit(circle);
-  // It begins in a word and ends in another one. Of others it can do without.
-  std::int64_t score = 2 * (std::int64_t{bases} - 1) + counts.unknown * bases;
-  if (gain_of_others_ >= 0) return INT64_MAX;
-  const std::int64_t gain_of_near = std::max<std::int64_t>(gain_of_near_, 0);
-  for (std::size_t i = 0; i < near_.size(); ++i) {
-    for (std::uint64_t rest = near_[i]; rest != 0; rest &= rest - 1) {
-      const std::size_t word = 64 * i + static_cast<std::size_t>(__builtin_ctzll(rest));
-      const bool is_exact = (exact_[i] & rest & -rest) != 0;
-      score += counts.of_known[word] * (is_exact ? std::int64_t{bases} : gain_of_near);
-    }
-  }
-  return score;
-}
-
 void UnitWords::take_unit(const UnitCircle& circle) {
   if (unit_.begin == circle.begin && unit_.end == circle.end) return;
   unit_ = circle;

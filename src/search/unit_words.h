@@ -34,18 +34,6 @@ class UnitWords {
   Gains gains(const char* position, const char* limit, const UnitCircle& circle, std::int64_t enough,
               std::int64_t loss);
 
-  /// How often each word stands in a part of the sequence that is cut into words.
-  struct Counts {
-    std::vector<std::uint32_t> of_known;
-    std::int64_t unknown = 0;  ///< with N
-  };
-  /// Half-open range.
-  Counts counts_in(const char* first, const char* end) const;
-
-  /// The highest score of any walk that begins and ends in a part of which the words were counted, or a higher one. It
-  /// takes the same time for a part of any length.
-  std::int64_t highest_score(const Counts& counts, const UnitCircle& circle);
-
   /// Bases of a word: of so many bases, or a multiple, the last gain is for all of them.
   static constexpr unsigned bases = 9;
 
@@ -58,11 +46,11 @@ class UnitWords {
   using Set = std::vector<std::uint64_t>;  ///< of words, a bit each
 
   static constexpr std::uint32_t mask = (1U << bases) - 1;
-
   /// The number of a word: a bit of each base in the lower half, the other ones in the upper half.
   static std::uint32_t number_of(std::uint32_t low, std::uint32_t high) {
     return (low & mask) | (high & mask) << bases;
   }
+
   /// 1 or 0.
   static std::int64_t contains(const Set& set, std::uint32_t word) {
     return static_cast<std::int64_t>(set[word / 64] >> (word % 64) & 1);

@@ -1,0 +1,200 @@
+#include "search/counted_words.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Rounds before potentials are read, and while they are.
+constexpr int rounds = 64;
+/// A word of a unit is rare if it is so many times less frequent than its words are on average.
+constexpr std::uint64_t times_less = 8;
+/// Enough for a step that no walk would take.
+constexpr std::int64_t greatest_loss = 100;
+
+}  // namespace
+
+CountedWords::CountedWords(std::int64_t bases, const BasePlanes& planes, const char* first_base, const Stretch& part,
+                           const ExtensionRules& rules)
+    : bases_(bases),
+      planes_(planes),
+      first_base_(first_base),
+      mismatch_loss_(1 - rules.mismatch_score),
+      insertion_loss_(1 - rules.indel_score),
+      deletion_loss_(-rules.indel_score),
+      counts_((std::size_t{1} << 2 * bases) + 1),
+      surplus_(counts_.size()) {
+  words_.reserve(part.length() / static_cast<std::size_t>(bases));
+  for (std::int64_t position = part.begin; position + bases <= part.end; position += bases) {
+    const bool is_known = number_of(planes.unknown_bits(position), 0) == 0;
+    words_.push_back(is_known ? number_of(planes.low_bits(position), planes.high_bits(position)) : unknown());
+    ++counts_[words_.back()];
+  }
+}
+
+std::int64_t CountedWords::highest_score(const UnitCircle& circle, std::int64_t enough) {
+  if (2 * std::min(mismatch_loss_, deletion_loss_) <= bases_) return INT64_MAX;  // then any word gains something
+  find_ways(circle);
+  std::int64_t score = INT64_MAX;
+  const auto look = [&](const Potentials& potentials, auto score_of) {
+    if (score < enough) return;
+    score = std::min(score, (this->*score_of)(take_values(potentials)));
+    forget_values();
+  };
+  const Potentials none{std::vector<std::int32_t>(static_cast<std::size_t>(circle.length()), 0), 1};
+  look(none, &CountedWords::score_by_counts);
+  if (score < enough) return score;
+  Potentials potentials = potentials_of(circle.length());
+  const std::int64_t scale = potentials.scale;
+  for (const auto score_of : {&CountedWords::score_by_counts, &CountedWords::score_by_order}) {
+    // The higher they are, the more counts where a way leads in other words.
+    for (potentials.scale = scale; potentials.scale <= 4 * scale; potentials.scale *= 2) look(potentials, score_of);
+  }
+  look(none, &CountedWords::score_by_order);
+  return score;
+}
+
+void CountedWords::find_ways(const UnitCircle& circle) {
+  const std::int64_t length = circle.length();
+  const std::int64_t unit = circle.begin - first_base_;
+  ways_.clear();
+  exact_.resize(static_cast<std::size_t>(length));
+  // Those of a word and one more.
+  std::uint64_t low = 0;
+  std::uint64_t high = 0;
+  for (std::int64_t i = 0, phase = 0; i < length + bases_; ++i) {
+    low = low >> 1 | (planes_.low_bits(unit + phase) & 1) << bases_;
+    high = high >> 1 | (planes_.high_bits(unit + phase) & 1) << bases_;
+    if (++phase == length) phase = 0;
+    if (i < bases_) continue;
+    const std::int64_t begin = i - bases_;
+    exact_[static_cast<std::size_t>(begin)] = number_of(low, high);
+    add_way(number_of(low, high), begin, bases_, bases_);
+    for (std::int64_t place = 0; place < bases_; ++place) {
+      const std::uint64_t base = std::uint64_t{1} << place;
+      const std::uint64_t before = base - 1;
+      const auto with_base_more = [&](std::uint64_t plane) { return (plane & before) | (plane & ~before) << 1; };
+      const auto with_base_less = [&](std::uint64_t plane) { return (plane & before) | (plane >> 1 & ~before); };
+      const std::uint64_t low_more = with_base_more(low);
+      const std::uint64_t high_more = with_base_more(high);
+      for (const std::uint64_t low_bit : {std::uint64_t{0}, base}) {
+        for (const std::uint64_t high_bit : {std::uint64_t{0}, base}) {
+          if ((low_bit | high_bit) != 0) {
+            add_way(number_of(low ^ low_bit, high ^ high_bit), begin, bases_, bases_ - mismatch_loss_);
+          }
+          add_way(number_of(low_more | low_bit, high_more | high_bit), begin, bases_ - 1,
+                  bases_ - insertion_loss_);
+        }
+      }
+      // A base that is deleted between two words is one of the second.
+      add_way(number_of(with_base_less(low), with_base_less(high)), begin, bases_ + 1,
+              bases_ - deletion_loss_);
+    }
+  }
+}
+
+void CountedWords::add_way(std::uint32_t word, std::int64_t begin, std::int64_t unit_bases, std::int64_t gain) {
+  if (counts_[word] == 0) return;
+  const auto length = static_cast<std::int64_t>(exact_.size());
+  ways_.push_back({word, static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>((begin + unit_bases) % length),
+                   static_cast<std::int32_t>(std::max(gain, bases_ - greatest_loss))});
+}
+
+/// Any potentials would do. What can be gained from each phase on in the next words, word for word, grows by the average
+/// gain of the best turns once it is some words; it is the mean over as many again.
+CountedWords::Potentials CountedWords::potentials_of(std::int64_t unit_length) const {
+  const auto length = static_cast<std::size_t>(unit_length);
+  const auto gain = [this](std::int64_t loss) {
+    return static_cast<std::int16_t>(bases_ - std::min(loss, greatest_loss));
+  };
+  std::uint64_t all = 0;
+  for (const std::uint32_t word : exact_) all += counts_[word];
+  std::vector<std::int16_t> gains(length);
+  for (std::size_t phase = 0; phase < length; ++phase) {
+    const bool is_rare = times_less * length * counts_[exact_[phase]] < all;
+    gains[phase] = gain(is_rare ? mismatch_loss_ : 0);
+  }
+  const std::int16_t with_insertion = gain(insertion_loss_);
+  const std::int16_t with_deletion = gain(deletion_loss_);
+  const std::int16_t with_two_steps = gain(2 * std::min(mismatch_loss_, deletion_loss_));
+  // So that each phase has those behind it to which a word and two steps may lead.
+  const auto behind = static_cast<std::size_t>(bases_) + 2;
+  std::vector<std::int16_t> gained(length + behind, 0);
+  std::vector<std::int16_t> next(length + behind);
+  Potentials potentials{std::vector<std::int32_t>(length, 0), rounds};
+  for (int round = 0; round < 2 * rounds; ++round) {
+    for (std::size_t phase = 0; phase < length; ++phase) {
+      const std::int16_t* const end = gained.data() + phase + bases_;
+      std::int16_t most = std::max<std::int16_t>(end[0] + gains[phase], end[-1] + with_insertion);
+      most = std::max<std::int16_t>(most, end[1] + with_deletion);
+      most = std::max<std::int16_t>(most, std::max(end[-2], end[2]) + with_two_steps);
+      next[phase] = most;
+    }
+    for (std::size_t i = length; i < length + behind; ++i) next[i] = next[i - length];
+    gained.swap(next);
+    if (round < rounds) continue;
+    for (std::size_t phase = 0; phase < length; ++phase) potentials.of_phases[phase] += gained[phase];
+  }
+  return potentials;
+}
+
+CountedWords::Values CountedWords::take_values(const Potentials& potentials) {
+  const std::vector<std::int32_t>& heights = potentials.of_phases;
+  const auto length = static_cast<std::int64_t>(heights.size());
+  const auto [lowest, highest] = std::minmax_element(heights.begin(), heights.end());
+  // Of all ways through a word that take so many unit bases.
+  const auto most_raised = [&](std::int64_t unit_bases) {
+    const auto shift = static_cast<std::size_t>(unit_bases % length);
+    std::int64_t most = INT64_MIN;
+    for (std::size_t begin = 0, end = shift; begin < heights.size(); ++begin) {
+      most = std::max<std::int64_t>(most, heights[end] - heights[begin]);
+      if (++end == heights.size()) end = 0;
+    }
+    return most;
+  };
+  // Each step costs so much or more, and each base more or less than those of the word takes one.
+  const std::int64_t least_loss = std::min(mismatch_loss_, deletion_loss_);
+  const auto gain_with = [&](std::int64_t steps) { return potentials.scale * (bases_ - steps * least_loss); };
+  Values values{potentials.scale, *highest - *lowest, gain_with(0), gain_with(2)};
+  for (std::int64_t more = 0; gain_with(more) + values.range > values.of_others; ++more) {
+    std::int64_t raised = most_raised(bases_ + more);
+    if (more > 0 && more <= bases_) raised = std::max(raised, most_raised(bases_ - more));
+    values.of_unknown = std::max(values.of_unknown, gain_with(more) + raised);
+    values.of_others = std::max(values.of_others, gain_with(std::max<std::int64_t>(more, 2)) + raised);
+  }
+  for (const Way& way : ways_) {
+    const std::int64_t value = potentials.scale * way.gain + heights[way.end] - heights[way.begin];
+    if (value <= values.of_others + surplus_[way.word]) continue;
+    if (surplus_[way.word] == 0) led_through_.push_back(way.word);
+    surplus_[way.word] = static_cast<std::int32_t>(value - values.of_others);
+  }
+  const std::int64_t surplus = values.of_unknown - values.of_others;
+  surplus_[unknown()] = static_cast<std::int32_t>(surplus);
+  led_through_.push_back(unknown());
+  return values;
+}
+
+void CountedWords::forget_values() {
+  for (const std::uint32_t word : led_through_) surplus_[word] = 0;
+  led_through_.clear();
+}
+
+/// A walk begins in a word and ends in another one. Of others it can do without.
+std::int64_t CountedWords::score_by_counts(const Values& values) const {
+  const std::int64_t of_others = std::max<std::int64_t>(values.of_others, 0);
+  std::int64_t score = values.range + of_others * static_cast<std::int64_t>(words_.size());
+  for (const std::uint32_t word : led_through_) {
+    score += std::max<std::int64_t>(values.of_others + surplus_[word] - of_others, 0) * counts_[word];
+  }
+  return score / values.scale + 2 * (bases_ - 1) + 1;
+}
+
+/// The words between those two follow each other (the sum of a contiguous part: Kadane, in Bentley 1984).
+std::int64_t CountedWords::score_by_order(const Values& values) const {
+  std::int64_t highest = 0;
+  std::int64_t score = 0;
+  for (const std::uint32_t word : words_) {
+    score = std::max<std::int64_t>(0, score + values.of_others + surplus_[word]);
+    highest = std::max(highest, score);
+  }
+  return (highest + values.range) / values.scale + 2 * (bases_ - 1) + 1;
+}
