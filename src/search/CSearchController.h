@@ -165,6 +165,9 @@ class CSearchController {
                                                                                                const char* start,
                                                                                                Csat& best);
 
+  /// So many hidden repeats may always wait for the end of the direct search.
+  std::size_t least_hidden = std::size_t{1} << 16;
+
   /// The active thresholds, the user's outside the seed stage of mode "extendExact".
   const ThresholdTable* minScores;
   const ThresholdTable* minLengths;
@@ -203,6 +206,8 @@ class CSearchController {
   void search_exact_units(std::int64_t unit_length, CAnchorSeq& cover, const KeepRepeat& keep);
   void extend_exact_both_ways(Csat& sat) const;
 
+  /// The direct search, but for the order of the list. False if `hidden` has forgotten too much.
+  bool search_all_units(HiddenRepeats& hidden);
   /// Repeats of which only a stretch is known are added to `hidden`.
   void unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found, HiddenRepeats& hidden);
   void one_unit_len_complete_imperfect_search(std::int64_t unit_length, CAnchorSeq& anchors, std::list<Csat*>& found,

@@ -81,13 +81,11 @@ void CountedWords::find_ways(const UnitCircle& circle) {
           if ((low_bit | high_bit) != 0) {
             add_way(number_of(low ^ low_bit, high ^ high_bit), begin, bases_, bases_ - mismatch_loss_);
           }
-          add_way(number_of(low_more | low_bit, high_more | high_bit), begin, bases_ - 1,
-                  bases_ - insertion_loss_);
+          add_way(number_of(low_more | low_bit, high_more | high_bit), begin, bases_ - 1, bases_ - insertion_loss_);
         }
       }
       // A base that is deleted between two words is one of the second.
-      add_way(number_of(with_base_less(low), with_base_less(high)), begin, bases_ + 1,
-              bases_ - deletion_loss_);
+      add_way(number_of(with_base_less(low), with_base_less(high)), begin, bases_ + 1, bases_ - deletion_loss_);
     }
   }
 }
@@ -99,8 +97,8 @@ void CountedWords::add_way(std::uint32_t word, std::int64_t begin, std::int64_t 
                    static_cast<std::int32_t>(std::max(gain, bases_ - greatest_loss))});
 }
 
-/// Any potentials would do. What can be gained from each phase on in the next words, word for word, grows by the average
-/// gain of the best turns once it is some words; it is the mean over as many again.
+/// Any potentials would do. What can be gained from each phase on in the next words, word for word, grows by the
+/// average gain of the best turns once it is some words; it is the mean over as many again.
 CountedWords::Potentials CountedWords::potentials_of(std::int64_t unit_length) const {
   const auto length = static_cast<std::size_t>(unit_length);
   const auto gain = [this](std::int64_t loss) {

@@ -24,8 +24,8 @@ class CountedWords {
   CountedWords(std::int64_t bases, const BasePlanes& planes, const char* first_base, const Stretch& part,
                const ExtensionRules& rules);
 
-  /// The highest score of any walk that begins and ends in the part, or a higher one. As long as it cannot be seen to be
-  /// less than `enough` it is looked at more closely.
+  /// The highest score of any walk that begins and ends in the part, or a higher one. As long as it cannot be seen to
+  /// be less than `enough` it is looked at more closely.
   std::int64_t highest_score(const UnitCircle& circle, std::int64_t enough);
 
  private:

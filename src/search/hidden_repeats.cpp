@@ -4,6 +4,7 @@
 #include <iterator>
 #include <map>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "search/counted_words.h"
@@ -27,6 +28,11 @@ struct Contestant {
            (outside(other.stretch) < unit_length || other.outside(stretch) < other.unit_length);
   }
 };
+
+/// The least stretch that contains both.
+Stretch hull(const Stretch& a, const Stretch& b) {
+  return {std::min(a.begin, b.begin), std::max(a.end, b.end)};
+}
 
 bool comes_before(const Contestant& a, const Contestant& b) {
   return std::tie(a.stretch.begin, a.stretch.end, a.unit_length) <
@@ -75,9 +81,9 @@ class HiddenRepeats::Field {
 class HiddenRepeats::Array {
  public:
   /// `zone` is what lies between the hidden repeats of other arrays, `field` all records found before.
-  Array(const CSearchController& controller, const std::vector<Repeat*>& repeats, const Stretch& stretch,
-        const Stretch& zone, const Field& field)
-      : controller_(controller), stretch_(stretch), zone_(zone), field_(field) {
+  Array(const CSearchController& controller, const std::vector<Repeat*>& repeats,
+        const std::vector<Forgotten>& forgotten, const Stretch& stretch, const Stretch& zone, const Field& field)
+      : controller_(controller), stretch_(stretch), zone_(zone), field_(field), forgotten_(forgotten) {
     waiting_.reserve(repeats.size());
     field.for_each_in(stretch, [this](const Contestant& other) { take_if_best(other); });
     if (stretch.length() < shortest_counted) {
@@ -93,9 +99,25 @@ class HiddenRepeats::Array {
     }
   }
 
+  /// Marks those that are worse than the best one.
+  void forget_losers() {
+    Forgotten losers{{UINT32_MAX, 0}, INT64_MIN, INT64_MAX, INT64_MAX};
+    for (const Waiting& waiting : waiting_) {
+      Repeat& repeat = *waiting.repeat;
+      const std::int64_t beyond_unit = std::int64_t{repeat.known().length()} - repeat.unit_length;
+      if (waiting.most_score >= best_score_ || beyond_unit < 0) continue;
+      repeat.is_forgotten = true;
+      losers.add({repeat.stretch, waiting.most_score, repeat.unit_length, beyond_unit});
+    }
+    if (losers.stretch.begin < losers.stretch.end) forgotten_.push_back(losers);
+  }
+
+  /// Those that are no longer known.
+  const std::vector<Forgotten>& forgotten() const { return forgotten_; }
+
   /// Grows those that may win against the best one, or all if the overlap removal may depend on them. Those that have
-  /// not grown to their ends then need not be known.
-  void settle() {
+  /// not grown to their ends then need not be known. False if it may depend on some that were forgotten.
+  bool settle() {
     for (Waiting& waiting : waiting_) {
       if (waiting.is_rough && waiting.most_score >= best_score_) {
         waiting.most_score = std::min(waiting.most_score, highest_score(*waiting.repeat));
@@ -114,7 +136,9 @@ class HiddenRepeats::Array {
     const auto best = best_of(all);
     const auto wins = [&](const Waiting& waiting) { return best == all.end() || !loses(waiting, *best); };
     grow(std::partition(waiting_.begin(), waiting_.end(), wins) - waiting_.begin());
-    if (!waiting_.empty() && !may_leave_out_others()) grow(static_cast<std::ptrdiff_t>(waiting_.size()));
+    if ((waiting_.empty() && forgotten_.empty()) || may_leave_out_others()) return true;
+    grow(static_cast<std::ptrdiff_t>(waiting_.size()));
+    return forgotten_.empty();
   }
 
  private:
@@ -125,7 +149,7 @@ class HiddenRepeats::Array {
   };
 
   /// From so many bases on the words of an array are counted.
-  static constexpr std::uint32_t shortest_counted = 1 << 13;
+  static constexpr std::uint32_t shortest_counted = 1 << 12;
 
   UnitCircle unit_of(const Repeat& repeat) const {
     const char* const begin = controller_.seq.begin() + repeat.grown.unit;
@@ -193,19 +217,26 @@ class HiddenRepeats::Array {
 
   /// Whether the overlap removal comes to the same with or without the repeats that have not grown.
   bool may_leave_out_others() const {
-    Stretch stretch = waiting_.front().repeat->stretch;
+    Stretch stretch{UINT32_MAX, 0};
     std::int64_t least_beyond_unit = INT64_MAX;
+    const auto take = [&](const Stretch& part, std::int64_t beyond_unit) {
+      stretch = hull(stretch, part);
+      least_beyond_unit = std::min(least_beyond_unit, beyond_unit);
+    };
     for (const Waiting& waiting : waiting_) {
       const Repeat& repeat = *waiting.repeat;
-      stretch.begin = std::min(stretch.begin, repeat.stretch.begin);
-      stretch.end = std::max(stretch.end, repeat.stretch.end);
-      least_beyond_unit = std::min(least_beyond_unit, std::int64_t{repeat.known().length()} - repeat.unit_length);
+      take(repeat.stretch, std::int64_t{repeat.known().length()} - repeat.unit_length);
     }
+    for (const Forgotten& losers : forgotten_) take(losers.stretch, losers.least_beyond_unit);
     const std::vector<Contestant> all = all_in(stretch);
     const auto best = best_of(all);
     if (best == all.end() || !zone_.contains(best->stretch) || !wins_everywhere(*best)) return false;
     const auto loses_to_best = [&best](const Waiting& waiting) { return loses(waiting, *best); };
     if (!std::all_of(waiting_.begin(), waiting_.end(), loses_to_best)) return false;
+    const auto lose_to_best = [&best](const Forgotten& losers) {
+      return loses(losers.most_score, losers.stretch, losers.least_unit_length, *best);
+    };
+    if (!std::all_of(forgotten_.begin(), forgotten_.end(), lose_to_best)) return false;
     // Those before the best one that lose to it, too, come to nothing in any case, but sooner or later: they may meet
     // no others behind the place where the first of these repeats may begin.
     bool has_met_loser = false;
@@ -240,8 +271,11 @@ class HiddenRepeats::Array {
   /// Whether the repeat certainly competes with the best one, and loses.
   static bool loses(const Waiting& waiting, const Contestant& best) {
     const Repeat& repeat = *waiting.repeat;
-    return waiting.most_score < best.score && repeat.known().length() >= repeat.unit_length &&
-           Contestant{repeat.stretch, 0, 0}.outside(best.stretch) < repeat.unit_length;
+    return repeat.known().length() >= repeat.unit_length &&
+           loses(waiting.most_score, repeat.stretch, repeat.unit_length, best);
+  }
+  static bool loses(std::int64_t most_score, const Stretch& stretch, std::int64_t unit_length, const Contestant& best) {
+    return most_score < best.score && Contestant{stretch, 0, 0}.outside(best.stretch) < unit_length;
   }
 
   /// Against all others that compete with it.
@@ -263,33 +297,75 @@ class HiddenRepeats::Array {
   std::int64_t best_score_ = INT64_MIN;  ///< of those that cover most of the array
   std::vector<Waiting> waiting_;
   std::vector<Contestant> grown_;  ///< those that have grown to their ends
+  std::vector<Forgotten> forgotten_;
 };
 
-void HiddenRepeats::settle(std::list<Csat*>& found) {
-  if (repeats_.empty()) return;
-  settle_arrays(Field(found, controller_.seq.begin()));
-  add_grown_ones(found);
-  repeats_.clear();
+void HiddenRepeats::Forgotten::add(const Forgotten& more) {
+  stretch = hull(stretch, more.stretch);
+  most_score = std::max(most_score, more.most_score);
+  least_unit_length = std::min(least_unit_length, more.least_unit_length);
+  least_beyond_unit = std::min(least_beyond_unit, more.least_beyond_unit);
 }
 
-void HiddenRepeats::settle_arrays(const Field& field) {
+bool HiddenRepeats::settle(std::list<Csat*>& found) {
+  if (repeats_.empty() && forgotten_.empty()) return true;
+  const Field field(found, controller_.seq.begin());
+  const bool is_settled = for_each_array(field, [](Array& array) { return array.settle(); });
+  if (is_settled) add_grown_ones(found);
+  repeats_.clear();
+  forgotten_.clear();
+  return is_settled;
+}
+
+/// Of those forgotten before and now that lie in the same array it is enough to know what holds for all of them.
+void HiddenRepeats::forget_losers(const std::list<Csat*>& found) {
+  std::vector<Forgotten> forgotten;
+  for_each_array(Field(found, controller_.seq.begin()), [&forgotten](Array& array) {
+    array.forget_losers();
+    if (array.forgotten().empty()) return true;
+    forgotten.push_back(array.forgotten().front());
+    for (const Forgotten& losers : array.forgotten()) forgotten.back().add(losers);
+    return true;
+  });
+  forgotten_ = std::move(forgotten);
+  repeats_.erase(
+      std::remove_if(repeats_.begin(), repeats_.end(), [](const Repeat& repeat) { return repeat.is_forgotten; }),
+      repeats_.end());
+  // Otherwise the same ones would be asked again and again.
+  most_repeats_ = std::max(most_repeats_, 2 * repeats_.size());
+}
+
+/// Up to the first one for which `visit` returns false; returns whether there is none.
+bool HiddenRepeats::for_each_array(const Field& field, const VisitArray& visit) {
+  // Where each begins that is known, and that was forgotten.
   std::vector<Repeat*> repeats;
   repeats.reserve(repeats_.size());
   for (Repeat& repeat : repeats_) repeats.push_back(&repeat);
+  const auto begins_before = [](const auto& a, const auto& b) { return a.stretch.begin < b.stretch.begin; };
   std::stable_sort(repeats.begin(), repeats.end(),
-                   [](const Repeat* a, const Repeat* b) { return a->stretch.begin < b->stretch.begin; });
+                   [&](const Repeat* a, const Repeat* b) { return begins_before(*a, *b); });
+  std::vector<Forgotten> forgotten = forgotten_;
+  std::stable_sort(forgotten.begin(), forgotten.end(), begins_before);
+  auto repeat = repeats.begin();
+  auto losers = forgotten.begin();
+  const auto next_begin = [&] {
+    return std::min(repeat == repeats.end() ? UINT32_MAX : (*repeat)->stretch.begin,
+                    losers == forgotten.end() ? UINT32_MAX : losers->stretch.begin);
+  };
   std::uint32_t last_end = 0;
-  for (auto first = repeats.begin(); first != repeats.end();) {
-    Stretch stretch = (*first)->stretch;
-    auto end = std::next(first);
-    for (; end != repeats.end() && (*end)->stretch.begin < stretch.end; ++end) {
-      stretch.end = std::max(stretch.end, (*end)->stretch.end);
+  while (next_begin() != UINT32_MAX) {
+    const auto first_repeat = repeat;
+    const auto first_losers = losers;
+    Stretch stretch{next_begin(), next_begin() + 1};
+    while (next_begin() < stretch.end) {
+      const bool is_repeat = repeat != repeats.end() && (*repeat)->stretch.begin == next_begin();
+      stretch = hull(stretch, is_repeat ? (*repeat++)->stretch : (losers++)->stretch);
     }
-    const Stretch zone{last_end, end == repeats.end() ? UINT32_MAX : (*end)->stretch.begin};
-    Array(controller_, {first, end}, stretch, zone, field).settle();
+    Array array(controller_, {first_repeat, repeat}, {first_losers, losers}, stretch, {last_end, next_begin()}, field);
+    if (!visit(array)) return false;
     last_end = stretch.end;
-    first = end;
   }
+  return true;
 }
 
 void HiddenRepeats::add_grown_ones(std::list<Csat*>& found) const {

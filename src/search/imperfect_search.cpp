@@ -35,12 +35,14 @@ class ImperfectPass {
         minimum_(controller.minimum_of(unit_length)),
         anchors_(anchors),
         found_(found),
+        hidden_(hidden),
         next_N_(controller.seq.begin()),
         postponed_(controller, unit_length, anchors, hidden),
         // A seed that pauses should be known to be kept, and what it leads to should be easy to tell.
-        pause_(may_postpone() ? PausePoint{std::max(shortest_long_repeat, 2 * unit_length),
-                                           std::max(minimum_.score, ArrayEdge<true>::score_to_tell(unit_length, controller.rules))}
-                              : PausePoint::never()) {}
+        pause_(may_postpone()
+                   ? PausePoint{std::max(shortest_long_repeat, 2 * unit_length),
+                                std::max(minimum_.score, ArrayEdge<true>::score_to_tell(unit_length, controller.rules))}
+                   : PausePoint::never()) {}
 
   /// Tries a seed that the anchors admit. Returns one past the last of the seeds from `p` on that need not be tried any
   /// more. Seeds must come in the order of their positions.
@@ -179,6 +181,7 @@ class ImperfectPass {
           return other == long_repeats_.end() || wins(sat, **other->second);
         },
         [this](OwnedSat sat) { store(std::move(sat)); });
+    hidden_.forget_some(found_);
   }
 
   /// Against one of the same ends, both kept: they are kept by the order of their seeds.
@@ -268,6 +271,7 @@ class ImperfectPass {
   const Minimum minimum_;
   CAnchorSeq& anchors_;
   std::list<Csat*>& found_;
+  HiddenRepeats& hidden_;
   const char* next_N_;
   const char* failed_end_ = nullptr;  ///< the seeds before it that were not tried ahead need not be tried
   OwnedSat spare_;
@@ -290,8 +294,20 @@ void return_free_memory() {
 }  // namespace
 
 void CSearchController::complete_imperfect_search() {
+  const auto bases = static_cast<std::size_t>(seq.end() - seq.begin());
+  HiddenRepeats some_hidden(*this, std::max(least_hidden, bases / 32));
+  if (!search_all_units(some_hidden)) {
+    // Rare: an array whose best repeat is found late, and wins against others than those found before.
+    sat_alloc.give_back_all(imperfect_sats.sats);
+    HiddenRepeats all_hidden(*this, HiddenRepeats::any_number);
+    search_all_units(all_hidden);
+  }
+  sort_sats(imperfect_sats.sats);
+}
+
+bool CSearchController::search_all_units(HiddenRepeats& hidden) {
+  lag_range_last = 0;
   CAnchorSeq anchors(seq.begin(), seq.sequence.length);
-  HiddenRepeats hidden(*this);
   std::int64_t first = global_min_unit_length;
   if (first == 1) {
     unit_len_1_complete_imperfect_search(anchors, imperfect_sats.sats, hidden);
@@ -306,9 +322,9 @@ void CSearchController::complete_imperfect_search() {
   }
   // What is left to do takes memory of its own, and so does the report of a long repeat.
   if (is_long()) let_go_of_walks();
-  hidden.settle(imperfect_sats.sats);
+  const bool is_complete = hidden.settle(imperfect_sats.sats);
   if (is_long()) let_go_of_walks();
-  sort_sats(imperfect_sats.sats);
+  return is_complete;
 }
 
 void CSearchController::unit_len_1_complete_imperfect_search(CAnchorSeq& anchors, std::list<Csat*>& found,

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <vector>
 
@@ -94,9 +95,9 @@ class PostponedRepeats {
   CAnchorSeq& anchors_;
   HiddenRepeats& hidden_;
   const std::size_t most_repeats_;
-  std::vector<Repeat> repeats_;  ///< since the first of those that wait
-  std::vector<Open> open_;       ///< of those
-  std::uint32_t last_end_ = 0;   ///< of all whose right end has grown
+  std::deque<Repeat> repeats_;  ///< since the first of those that wait; takes no more memory while it grows
+  std::vector<Open> open_;      ///< of those
+  std::uint32_t last_end_ = 0;  ///< of all whose right end has grown
   /// To be gone alone by those far behind: as many as it took the ones that waited before to grow to their ends, which
   /// they would have to do otherwise. So it takes twice the work at most, and much less where most of them are hidden
   /// once later ones have grown further.

@@ -59,11 +59,11 @@ class HiddenRepeatsTest : public test::SearchTest {
 
   /// Adds a hidden repeat to a list of others. Whether it is in the list then.
   bool is_added(const Seed& seed, std::uint32_t unit_length, const Stretch& stretch, const std::vector<Csat*>& others) {
-    HiddenRepeats hidden(*controller_);
+    HiddenRepeats hidden(*controller_, HiddenRepeats::any_number);
     hidden.add(seed.grown, seed.growth, unit_length, stretch);
     CsatContainer found;
     found.sats.assign(others.begin(), others.end());
-    hidden.settle(found.sats);
+    EXPECT_TRUE(hidden.settle(found.sats));
     const auto is_seed = [&](const Csat* sat) {
       return sat->score == seed.score && offset(sat->pos_left) == seed.at_last.begin &&
              offset(sat->pos_right_end) == seed.at_last.end && offset(sat->unit_begin) == seed.grown.unit;
@@ -74,6 +74,22 @@ class HiddenRepeatsTest : public test::SearchTest {
     EXPECT_TRUE(std::is_sorted(found.sats.begin(), found.sats.end(),
                                [](const Csat* a, const Csat* b) { return a->unit_length() < b->unit_length(); }));
     return is_added;
+  }
+
+  enum class After { left_out, added, unknown };
+
+  /// The same, with a number of hidden repeats for which some are forgotten, while only the first of the others are
+  /// found.
+  After with_some_forgotten(const Seed& seed, std::uint32_t unit_length, const Stretch& stretch,
+                            const std::vector<Csat*>& others, std::size_t found_before) {
+    HiddenRepeats hidden(*controller_, 0);
+    hidden.add(seed.grown, seed.growth, unit_length, stretch);
+    CsatContainer found;
+    found.sats.assign(others.begin(), others.begin() + static_cast<std::ptrdiff_t>(found_before));
+    hidden.forget_some(found.sats);
+    found.sats.assign(others.begin(), others.end());
+    if (!hidden.settle(found.sats)) return After::unknown;
+    return found.sats.size() == others.size() ? After::left_out : After::added;
   }
 
   std::unique_ptr<test::Sequence> sequence_;
@@ -160,6 +176,29 @@ TEST_F(HiddenRepeatsTest, AreLeftOutIfTheyLoseInAnyCase) {
                         record({a + 29, a + 5000 > b ? b : a + 5000}, 5, high)}))
       << "much of what is known of the repeat may lie inside";
   EXPECT_FALSE(is_added(seed, length, stretch, {record({a - 200, a - 10}, 5, 50), record(shorter, 20, high)}));
+
+  // Some are forgotten before others are found.
+  const auto after = [&](const std::vector<Csat*>& others, std::size_t found_before) {
+    return with_some_forgotten(seed, length, stretch, others, found_before);
+  };
+  EXPECT_EQ(after({record(all, 20, high)}, 1), After::left_out);
+  EXPECT_EQ(after({record(all, 20, high), record(all, 24, high + 1)}, 1), After::left_out);
+  EXPECT_EQ(after({record(all, 20, high), record({b - 10, b + 200}, 20, high + 1)}, 1), After::left_out);
+  EXPECT_EQ(after({record(all, 20, score - 1)}, 1), After::added) << "it was not forgotten";
+  EXPECT_EQ(after({record(all, 20, high)}, 0), After::left_out) << "the same";
+  EXPECT_EQ(after({record(all, 20, score)}, 1), After::added) << "the same";
+  EXPECT_EQ(after({record(all, 20, high), record({b - 10, b + 200}, 205, high + 1)}, 1), After::unknown)
+      << "the best one loses to another one";
+  EXPECT_EQ(after({record(all, 20, high), record({a + 29, b}, 24, high + 1)}, 1), After::left_out);
+  EXPECT_EQ(after({record(all, 20, high), record({a + 31, b}, 24, high + 1)}, 1), After::unknown)
+      << "it may stick out of the best one by a unit";
+  EXPECT_EQ(after({record(shorter, 20, high), record({a + 1, a + 11}, 5, 50)}, 1), After::unknown)
+      << "one before the best one begins where it may";
+  EXPECT_EQ(after({record({a - 200, a + 2 + seed.grown.right_end - seed.grown.left}, 5, 50),
+                   record({a + 29, a + 5000 > b ? b : a + 5000}, 5, high)},
+                  2),
+            After::unknown)
+      << "much of what is known of the repeat may lie inside of one before the best one";
 }
 
 }  // namespace

@@ -65,9 +65,11 @@ class PostponedRepeatsTest : public test::SearchTest {
   }
 
   /// If all repeats are to be found none waits.
-  static Outcome search(const std::string& bases, bool all, unsigned threads = 1) {
+  static Outcome search(const std::string& bases, bool all, unsigned threads = 1,
+                        std::size_t least_hidden = std::size_t{1} << 16) {
     test::Sequence sequence(bases);
     CSearchController controller(1, sequence.mol, threads);
+    controller.least_hidden = least_hidden;
     global_remove_mostly_hidden = !all;
     controller.complete_imperfect_search();
     Outcome outcome;
@@ -128,6 +130,7 @@ TEST_F(PostponedRepeatsTest, LeaveWhatThoseLeaveThatGrowAsTheyAreFound) {
     const Outcome outcome = search(bases, false);
     expect_same(outcome, of_all, "seed " + std::to_string(seed));
     if (seed % 3 == 0) expect_same(search(bases, false, 3), of_all, "seed " + std::to_string(seed) + ", 3 threads");
+    if (seed % 3 == 1) expect_same(search(bases, false, 1, 4), of_all, "seed " + std::to_string(seed) + ", few hidden");
     dropped += of_all.found.size() - outcome.found.size();
   }
   EXPECT_GT(dropped, 1000U);
@@ -166,9 +169,31 @@ TEST_F(PostponedRepeatsTest, AreLeftOutWhereOthersDoNotDependOnThem) {
     const Outcome of_all = search(bases, true);
     const Outcome outcome = search(bases, false);
     expect_same(outcome, of_all, "seed " + std::to_string(seed));
+    if (seed % 2 == 1) expect_same(search(bases, false, 1, 4), of_all, "seed " + std::to_string(seed) + ", few hidden");
     dropped += of_all.found.size() - outcome.found.size();
   }
   EXPECT_GT(dropped, 1000U);
+}
+
+/// Where the words of an array are counted. With unit lengths of some copies there are many hidden ones.
+TEST_F(PostponedRepeatsTest, AreFewInLongArrays) {
+  std::size_t found = 0;
+  std::size_t dropped = 0;
+  for (unsigned seed = 1; seed <= 6; ++seed) {
+    Random random(seed);
+    const std::string unit = random.bases(random.pick({4U, 5U, 7U, 9U}));
+    const std::string bases = random.bases(100) +
+                              random.copy(test::repeated(unit, 5500 / unit.size()), random.pick({30U, 100U})) +
+                              random.bases(100);
+    unit_lengths(1, static_cast<std::uint32_t>(7 * unit.size() + 2));
+    const Outcome of_all = search(bases, true);
+    const Outcome outcome = search(bases, false);
+    expect_same(outcome, of_all, "seed " + std::to_string(seed));
+    expect_same(search(bases, false, 1, 100), of_all, "seed " + std::to_string(seed) + ", few hidden");
+    found += outcome.found.size();
+    dropped += of_all.found.size() - outcome.found.size();
+  }
+  EXPECT_GT(dropped, found);
 }
 
 /// The base behind the repeat is an anchor, for N at its end are taken off; with it so is a window in which the unit
