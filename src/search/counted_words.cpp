@@ -122,10 +122,9 @@ CountedWords::Potentials CountedWords::potentials_of(std::int64_t unit_length) c
   for (int round = 0; round < 2 * rounds; ++round) {
     for (std::size_t phase = 0; phase < length; ++phase) {
       const std::int16_t* const end = gained.data() + phase + bases_;
-      std::int16_t most = std::max<std::int16_t>(end[0] + gains[phase], end[-1] + with_insertion);
-      most = std::max<std::int16_t>(most, end[1] + with_deletion);
-      most = std::max<std::int16_t>(most, std::max(end[-2], end[2]) + with_two_steps);
-      next[phase] = most;
+      const int of_most = std::max({end[0] + gains[phase], end[-1] + with_insertion, end[1] + with_deletion,
+                                    end[-2] + with_two_steps, end[2] + with_two_steps});
+      next[phase] = static_cast<std::int16_t>(of_most);
     }
     for (std::size_t i = length; i < length + behind; ++i) next[i] = next[i - length];
     gained.swap(next);
