@@ -137,6 +137,21 @@ TEST_F(CountedWordsTest, TellUnitsOfSomeWordsApartByShorterOnes) {
   EXPECT_LT(limit_in_array("ACGGT", unit, 7), array_length * 90 / 100);
 }
 
+// The word that a walk takes with two steps in each turn is where the potential rises.
+TEST_F(CountedWordsTest, AWordMayBeTakenWithTwoStepsInEachTurn) {
+  const std::string unit = "ACGTTGCATCCGATAGGCTTAACGGATTCAGCTAGC";
+  ASSERT_EQ(unit.size(), 36U);
+  std::string copy = unit;
+  copy[11] = 'A';
+  copy[14] = 'C';
+  Case c{test::repeated(copy, 100), {0, 3600}, 3600, 36, {-6, -6, 5, 4, false}};
+  c.bases += unit + "A";
+  const std::int64_t highest = highest_score_of(c);
+  EXPECT_GE(highest, 100 * (36 - 14));
+  EXPECT_GE(limit_of(c, 9, highest), highest);
+  EXPECT_GE(limit_of(c, 9, 0), highest);
+}
+
 TEST_F(CountedWordsTest, TellNothingWhereStepsAreCheap) {
   Case c{std::string(300, 'A') + "CCCCCCCCCCA", {0, 300}, 300, 10, {-3, -6, 5, 4, false}};
   EXPECT_EQ(limit_of(c, 9, 0), INT64_MAX);
