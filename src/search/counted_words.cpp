@@ -16,17 +16,18 @@ constexpr std::int64_t greatest_loss = 100;
 CountedWords::CountedWords(std::int64_t bases, const BasePlanes& planes, const char* first_base, const Stretch& part,
                            const ExtensionRules& rules)
     : bases_(bases),
+      numbers_(static_cast<unsigned>(bases)),
       planes_(planes),
       first_base_(first_base),
       mismatch_loss_(1 - rules.mismatch_score),
       insertion_loss_(1 - rules.indel_score),
       deletion_loss_(-rules.indel_score),
-      counts_((std::size_t{1} << 2 * bases) + 1),
+      counts_(numbers_.count() + 1),
       surplus_(counts_.size()) {
   words_.reserve(part.length() / static_cast<std::size_t>(bases));
   for (std::int64_t position = part.begin; position + bases <= part.end; position += bases) {
-    const bool is_known = number_of(planes.unknown_bits(position), 0) == 0;
-    words_.push_back(is_known ? number_of(planes.low_bits(position), planes.high_bits(position)) : unknown());
+    const bool is_known = numbers_.number_of(planes.unknown_bits(position), 0) == 0;
+    words_.push_back(is_known ? numbers_.number_of(planes.low_bits(position), planes.high_bits(position)) : unknown());
     ++counts_[words_.back()];
   }
 }
@@ -54,47 +55,32 @@ std::int64_t CountedWords::highest_score(const UnitCircle& circle, std::int64_t 
 }
 
 void CountedWords::find_ways(const UnitCircle& circle) {
-  const std::int64_t length = circle.length();
-  const std::int64_t unit = circle.begin - first_base_;
   ways_.clear();
-  exact_.resize(static_cast<std::size_t>(length));
-  // Those of a word and one more.
-  std::uint64_t low = 0;
-  std::uint64_t high = 0;
-  for (std::int64_t i = 0, phase = 0; i < length + bases_; ++i) {
-    low = low >> 1 | (planes_.low_bits(unit + phase) & 1) << bases_;
-    high = high >> 1 | (planes_.high_bits(unit + phase) & 1) << bases_;
-    if (++phase == length) phase = 0;
-    if (i < bases_) continue;
-    const std::int64_t begin = i - bases_;
-    exact_[static_cast<std::size_t>(begin)] = number_of(low, high);
-    add_way(number_of(low, high), begin, bases_, bases_);
-    for (std::int64_t place = 0; place < bases_; ++place) {
-      const std::uint64_t base = std::uint64_t{1} << place;
-      const std::uint64_t before = base - 1;
-      const auto with_base_more = [&](std::uint64_t plane) { return (plane & before) | (plane & ~before) << 1; };
-      const auto with_base_less = [&](std::uint64_t plane) { return (plane & before) | (plane >> 1 & ~before); };
-      const std::uint64_t low_more = with_base_more(low);
-      const std::uint64_t high_more = with_base_more(high);
-      for (const std::uint64_t low_bit : {std::uint64_t{0}, base}) {
-        for (const std::uint64_t high_bit : {std::uint64_t{0}, base}) {
-          if ((low_bit | high_bit) != 0) {
-            add_way(number_of(low ^ low_bit, high ^ high_bit), begin, bases_, bases_ - mismatch_loss_);
-          }
-          add_way(number_of(low_more | low_bit, high_more | high_bit), begin, bases_ - 1, bases_ - insertion_loss_);
-        }
-      }
-      // A base that is deleted between two words is one of the second.
-      add_way(number_of(with_base_less(low), with_base_less(high)), begin, bases_ + 1, bases_ - deletion_loss_);
-    }
-  }
+  exact_.resize(static_cast<std::size_t>(circle.length()));
+  numbers_.for_each_of_unit(
+      planes_, first_base_, circle, [this](std::int64_t begin, std::uint64_t low, std::uint64_t high) {
+        exact_[static_cast<std::size_t>(begin)] = numbers_.number_of(low, high);
+        numbers_.for_each_near(low, high,
+                               [this, begin](std::uint32_t word, Words::Step step) { add_way(word, begin, step); });
+      });
 }
 
-void CountedWords::add_way(std::uint32_t word, std::int64_t begin, std::int64_t unit_bases, std::int64_t gain) {
+void CountedWords::add_way(std::uint32_t word, std::int64_t begin, Words::Step step) {
   if (counts_[word] == 0) return;
+  std::int64_t unit_bases = bases_;
+  std::int64_t loss = 0;
+  if (step == Words::Step::mismatch) loss = mismatch_loss_;
+  if (step == Words::Step::insertion) {
+    loss = insertion_loss_;
+    --unit_bases;
+  }
+  if (step == Words::Step::deletion) {
+    loss = deletion_loss_;
+    ++unit_bases;
+  }
   const auto length = static_cast<std::int64_t>(exact_.size());
   ways_.push_back({word, static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>((begin + unit_bases) % length),
-                   static_cast<std::int32_t>(std::max(gain, bases_ - greatest_loss))});
+                   static_cast<std::int32_t>(bases_ - std::min(loss, greatest_loss))});
 }
 
 /// Any potentials would do. What can be gained from each phase on in the next words, word for word, grows by the

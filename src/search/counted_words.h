@@ -6,6 +6,7 @@
 #include "search/base_planes.h"
 #include "search/front.h"
 #include "search/stretches.h"
+#include "search/words.h"
 
 /// The words of a part of a sequence, and how much walks with one unit can score in them at most. For most units that
 /// are unlike those of the part it takes the same time for a part of any length, as it is seen by how often each word
@@ -43,14 +44,9 @@ class CountedWords {
     std::int64_t scale;
   };
 
-  /// A bit of each base in the lower half, the other ones in the upper half.
-  std::uint32_t number_of(std::uint64_t low, std::uint64_t high) const {
-    const std::uint64_t mask = (std::uint64_t{1} << bases_) - 1;
-    return static_cast<std::uint32_t>((low & mask) | (high & mask) << bases_);
-  }
   std::uint32_t unknown() const { return static_cast<std::uint32_t>(counts_.size() - 1); }
   void find_ways(const UnitCircle& circle);
-  void add_way(std::uint32_t word, std::int64_t begin, std::int64_t unit_bases, std::int64_t gain);
+  void add_way(std::uint32_t word, std::int64_t begin, Words::Step step);
   Potentials potentials_of(std::int64_t unit_length) const;
   /// Of the words, with these potentials; `range` of the latter.
   struct Values {
@@ -65,6 +61,7 @@ class CountedWords {
   std::int64_t score_by_order(const Values& values) const;
 
   const std::int64_t bases_;
+  const Words numbers_;
   const BasePlanes& planes_;
   const char* const first_base_;
   const std::int64_t mismatch_loss_;  ///< of a step, next to taking the same bases as matches

@@ -7,82 +7,15 @@
 #include <utility>
 #include <vector>
 
+#include "search/contestants.h"
 #include "search/counted_words.h"
-
-namespace {
-
-/// A repeat with its ends and its score, before the overlap removal.
-struct Contestant {
-  Stretch stretch;
-  std::int64_t unit_length;
-  std::int64_t score;
-
-  std::int64_t outside(const Stretch& other) const { return std::int64_t{stretch.length()} - shared(other); }
-  std::int64_t shared(const Stretch& other) const {
-    const std::int64_t end = std::min(stretch.end, other.end);
-    return std::max<std::int64_t>(0, end - std::max(stretch.begin, other.begin));
-  }
-  /// Whether one of the two would be removed.
-  bool competes_with(const Contestant& other) const {
-    return shared(other.stretch) > 0 &&
-           (outside(other.stretch) < unit_length || other.outside(stretch) < other.unit_length);
-  }
-};
-
-/// The least stretch that contains both.
-Stretch hull(const Stretch& a, const Stretch& b) {
-  return {std::min(a.begin, b.begin), std::max(a.end, b.end)};
-}
-
-bool comes_before(const Contestant& a, const Contestant& b) {
-  return std::tie(a.stretch.begin, a.stretch.end, a.unit_length) <
-         std::tie(b.stretch.begin, b.stretch.end, b.unit_length);
-}
-
-}  // namespace
-
-/// All records found, by their ends, as they will stand in the sorted list.
-class HiddenRepeats::Field {
- public:
-  Field(const std::list<Csat*>& found, const char* first_base) {
-    contestants_.reserve(found.size());
-    for (const Csat* sat : found) {
-      contestants_.push_back({{static_cast<std::uint32_t>(sat->pos_left - first_base),
-                               static_cast<std::uint32_t>(sat->pos_right_end - first_base)},
-                              sat->unit_length(),
-                              sat->score});
-    }
-    std::stable_sort(contestants_.begin(), contestants_.end(), comes_before);
-    std::uint32_t end = 0;
-    for (const Contestant& contestant : contestants_) {
-      end = std::max(end, contestant.stretch.end);
-      ends_so_far_.push_back(end);
-    }
-  }
-
-  /// Calls `visit` with those that overlap with the stretch, in their order.
-  template <typename Visit>
-  void for_each_in(const Stretch& stretch, Visit visit) const {
-    const auto end = std::partition_point(contestants_.begin(), contestants_.end(), [&](const Contestant& contestant) {
-      return contestant.stretch.begin < stretch.end;
-    });
-    const auto first = std::upper_bound(ends_so_far_.begin(), ends_so_far_.end(), stretch.begin);
-    for (auto at = contestants_.begin() + (first - ends_so_far_.begin()); at < end; ++at) {
-      if (at->stretch.end > stretch.begin) visit(*at);
-    }
-  }
-
- private:
-  std::vector<Contestant> contestants_;
-  std::vector<std::uint32_t> ends_so_far_;  ///< the greatest end up to each of them
-};
 
 /// Hidden repeats whose stretches overlap.
 class HiddenRepeats::Array {
  public:
   /// `zone` is what lies between the hidden repeats of other arrays, `field` all records found before.
   Array(const CSearchController& controller, const std::vector<Repeat*>& repeats,
-        const std::vector<Forgotten>& forgotten, const Stretch& stretch, const Stretch& zone, const Field& field)
+        const std::vector<Forgotten>& forgotten, const Stretch& stretch, const Stretch& zone, const Contestants& field)
       : controller_(controller), stretch_(stretch), zone_(zone), field_(field), forgotten_(forgotten) {
     waiting_.reserve(repeats.size());
     field.for_each_in(stretch, [this](const Contestant& other) { take_if_best(other); });
@@ -293,7 +226,7 @@ class HiddenRepeats::Array {
   const CSearchController& controller_;
   const Stretch stretch_;
   const Stretch zone_;
-  const Field& field_;
+  const Contestants& field_;
   std::int64_t best_score_ = INT64_MIN;  ///< of those that cover most of the array
   std::vector<Waiting> waiting_;
   std::vector<Contestant> grown_;  ///< those that have grown to their ends
@@ -309,7 +242,7 @@ void HiddenRepeats::Forgotten::add(const Forgotten& more) {
 
 bool HiddenRepeats::settle(std::list<Csat*>& found) {
   if (repeats_.empty() && forgotten_.empty()) return true;
-  const Field field(found, controller_.seq.begin());
+  const Contestants field(found, controller_.seq.begin());
   const bool is_settled = for_each_array(field, [](Array& array) { return array.settle(); });
   if (is_settled) add_grown_ones(found);
   repeats_.clear();
@@ -320,7 +253,7 @@ bool HiddenRepeats::settle(std::list<Csat*>& found) {
 /// Of those forgotten before and now that lie in the same array it is enough to know what holds for all of them.
 void HiddenRepeats::forget_losers(const std::list<Csat*>& found) {
   std::vector<Forgotten> forgotten;
-  for_each_array(Field(found, controller_.seq.begin()), [&forgotten](Array& array) {
+  for_each_array(Contestants(found, controller_.seq.begin()), [&forgotten](Array& array) {
     array.forget_losers();
     if (array.forgotten().empty()) return true;
     forgotten.push_back(array.forgotten().front());
@@ -336,7 +269,7 @@ void HiddenRepeats::forget_losers(const std::list<Csat*>& found) {
 }
 
 /// Up to the first one for which `visit` returns false; returns whether there is none.
-bool HiddenRepeats::for_each_array(const Field& field, const VisitArray& visit) {
+bool HiddenRepeats::for_each_array(const Contestants& field, const VisitArray& visit) {
   // Where each begins that is known, and that was forgotten.
   std::vector<Repeat*> repeats;
   repeats.reserve(repeats_.size());

@@ -12,6 +12,8 @@
 #include "search/growing_repeat.h"
 #include "search/stretches.h"
 
+class Contestants;
+
 /// Kept repeats that leave no anchors to be seen and have not grown to their ends: all that is known of each is a
 /// stretch in which it will lie.
 ///
@@ -66,10 +68,9 @@ class HiddenRepeats {
   };
 
   class Array;
-  class Field;
   using VisitArray = std::function<bool(Array& array)>;
 
-  bool for_each_array(const Field& field, const VisitArray& visit);
+  bool for_each_array(const Contestants& field, const VisitArray& visit);
   void forget_losers(const std::list<Csat*>& found);
   void add_grown_ones(std::list<Csat*>& found) const;
 

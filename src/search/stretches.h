@@ -15,6 +15,11 @@ struct Stretch {
   bool contains(const Stretch& other) const { return begin <= other.begin && other.end <= end; }
 };
 
+/// The least one that contains both.
+inline Stretch hull(const Stretch& a, const Stretch& b) {
+  return {std::min(a.begin, b.begin), std::max(a.end, b.end)};
+}
+
 /// Parts of a sequence that neither overlap nor touch.
 class Stretches {
  public:
@@ -31,8 +36,7 @@ class Stretches {
     auto first = ends_.upper_bound(stretch.begin);
     if (first != ends_.begin() && std::prev(first)->second >= stretch.begin) --first;
     while (first != ends_.end() && first->first <= stretch.end) {
-      stretch.begin = std::min(stretch.begin, first->first);
-      stretch.end = std::max(stretch.end, first->second);
+      stretch = hull(stretch, {first->first, first->second});
       first = ends_.erase(first);
     }
     ends_.emplace(stretch.begin, stretch.end);

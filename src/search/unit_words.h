@@ -5,6 +5,7 @@
 
 #include "search/base_planes.h"
 #include "search/front.h"
+#include "search/words.h"
 
 /// How much walks with one unit can gain from a place on, at most, found without walking.
 ///
@@ -45,11 +46,8 @@ class UnitWords {
  private:
   using Set = std::vector<std::uint64_t>;  ///< of words, a bit each
 
+  static constexpr Words words{bases};
   static constexpr std::uint32_t mask = (1U << bases) - 1;
-  /// The number of a word: a bit of each base in the lower half, the other ones in the upper half.
-  static std::uint32_t number_of(std::uint32_t low, std::uint32_t high) {
-    return (low & mask) | (high & mask) << bases;
-  }
 
   /// 1 or 0.
   static std::int64_t contains(const Set& set, std::uint32_t word) {
@@ -58,8 +56,6 @@ class UnitWords {
   static void add(Set& set, std::uint32_t word) { set[word / 64] |= std::uint64_t{1} << (word % 64); }
 
   void take_unit(const UnitCircle& circle);
-  /// Those that a step makes of the word at the beginning of ten unit bases.
-  void add_near(std::uint32_t low, std::uint32_t high);
 
   std::int64_t most_gain(std::uint32_t word) const {
     return gain_of_others_ + contains(near_, word) * (gain_of_near_ - gain_of_others_) +
