@@ -141,7 +141,7 @@ class CSearchController {
 
   /// The score to which the imperfect extension will bring the seed, if that can be told without extending it. The
   /// spare height of its forward walk is known then, too.
-  std::optional<std::int64_t> foresee_score(Csat& seed, GrowthAids& aids) const;
+  std::optional<std::int64_t> foresee_score(const Csat& seed, GrowthAids& aids) const;
 
   /// Grows the seed both ways and trims it. Long stretches of events may be left untold. In either direction it may
   /// pause.

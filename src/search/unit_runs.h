@@ -95,8 +95,9 @@ class UnitRuns {
     bool is_whole = false;  ///< so many bases lie before the limit, and no N is among them
   };
 
+  /// Every step begins with it: a call would take nearly as long as the look.
   template <bool forward>
-  void look(const Front<forward>& front, const char* limit, View& view) const {
+  [[gnu::always_inline]] void look(const Front<forward>& front, const char* limit, View& view) const {
     const std::int64_t first = front.position - first_base_ - (forward ? 0 : width);
     view.is_whole = room(front, limit) >= width && planes_.unknown_bits(first) == 0;
     view.unit = next_bases(front);

@@ -85,6 +85,12 @@ class SearchTest : public WithParameters {
  protected:
   SearchTest() { update_report_time(); }  // no progress line in the middle of a test
 
+  /// Those that the parameters set.
+  static ExtensionRules rules() {
+    return {global_mismatch_score, global_indel_score, global_maximum_recursion_depth, global_Ns_allowed_in_a_row,
+            global_treat_Ns_as_missense};
+  }
+
   static std::vector<std::string> exact(const std::string& bases) {
     Sequence sequence(bases);
     CSearchController controller(1, sequence.mol);

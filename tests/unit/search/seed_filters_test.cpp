@@ -33,11 +33,6 @@ std::string bases_with_repeats(unsigned number, std::size_t length, std::size_t 
 
 class SeedFiltersTest : public test::SearchTest {
  protected:
-  static ExtensionRules rules() {
-    return {global_mismatch_score, global_indel_score, global_maximum_recursion_depth, global_Ns_allowed_in_a_row,
-            global_treat_Ns_as_missense};
-  }
-
   /// The seeds that reach the score although they are not marked.
   static std::vector<std::int64_t> wrongly_rejected(test::Sequence& sequence, std::int64_t unit_length,
                                                     std::int64_t minimum_score, const Bits& bits) {

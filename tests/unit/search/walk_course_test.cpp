@@ -168,11 +168,6 @@ class WalkCourseTest : public test::SearchTest {
     global_Ns_allowed_in_a_row = random.pick({4, 4, 0, 100});
     global_treat_Ns_as_missense = random.below(4) == 0;
   }
-
-  static ExtensionRules rules() {
-    return {global_mismatch_score, global_indel_score, global_maximum_recursion_depth, global_Ns_allowed_in_a_row,
-            global_treat_Ns_as_missense};
-  }
 };
 
 // Most of the seeds stand side by side, as in a search, some further on.
