@@ -19,6 +19,12 @@ class CandidateWords {
     bits_.push_back(bits);
   }
 
+  /// Lets go of memory that only further words would need.
+  void shrink_to_fit() {
+    numbers_.shrink_to_fit();
+    bits_.shrink_to_fit();
+  }
+
   /// Calls `visit` with the number and the bits of every word from `first` on and below `end`, in ascending order.
   template <typename Visit>
   void for_each(std::size_t first, std::size_t end, Visit visit) const {

@@ -319,6 +319,8 @@ bool CSearchController::search_all_units(HiddenRepeats& hidden) {
     prepare_candidates(length);
     anchors.settle_all();  // the guides of the next length need the memory
     one_unit_len_complete_imperfect_search(length, anchors, imperfect_sats.sats, hidden);
+    // Long repeats leave gaps between what stays.
+    if (is_long()) return_free_memory();
   }
   // What is left to do takes memory of its own, and so does the report of a long repeat.
   if (is_long()) let_go_of_walks();

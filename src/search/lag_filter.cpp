@@ -162,5 +162,6 @@ std::int64_t LagFilter::mark_candidates(std::int64_t first, std::int64_t last, c
     if (bytes > candidate_bytes_) candidates.resize((candidates.size() + 1) / 2);
     report_share(static_cast<double>(done + decided.size()) / static_cast<double>(blocks));
   }
+  for (CandidateWords& words : candidates) words.shrink_to_fit();
   return first + static_cast<std::int64_t>(candidates.size()) - 1;
 }
