@@ -6,6 +6,8 @@
 #include <optional>
 
 #include "search/array_edge.h"
+#include "search/base_planes.h"
+#include "search/front.h"
 #include "search/growth_limit.h"
 #include "search/step_choice.h"
 #include "search/unit_runs.h"

@@ -8,6 +8,8 @@
 
 #include "satellite/Csat.h"
 #include "search/CSearchController.h"
+#include "search/base_planes.h"
+#include "search/front.h"
 #include "search/spare_height.h"
 #include "search/step_choice.h"
 #include "search/step_memo.h"
