@@ -24,7 +24,7 @@ class ArrayEdge {
 
   /// The score of a walk from which on that can be told where little is gained beyond the edge.
   static std::int64_t score_to_tell(std::int64_t unit_length, const ExtensionRules& rules) {
-    return bases_before + most_gain / 2 - deepest_lookahead(rules) - unit_length + 1;
+    return bases_before + most_gain / 2 - rules.deepest_lookahead() - unit_length + 1;
   }
 
   /// Whether the best state of a walk certainly does not lie beyond the edge. At `front` the score of the walk is the
@@ -45,7 +45,7 @@ class ArrayEdge {
     if (gain > most_gain) return false;
     // From the line on the score is never lower than this: it could not get above that of the front any more.
     const std::int64_t least_score = front.score - std::max(bases_before + gain, distance(edge_, beyond) + far_gain);
-    if (least_score + deepest_lookahead(rules_) <= -circle.length()) return false;
+    if (least_score + rules_.deepest_lookahead() <= -circle.length()) return false;
 
     std::vector<Crossing> crossings;
     for (const char* unit : units_that_may_pass(circle, gain)) {
@@ -75,10 +75,6 @@ class ArrayEdge {
   /// That permits every step.
   static constexpr std::int64_t high_score = std::int64_t{1} << 40;
   static constexpr std::int32_t no_gain = INT32_MIN / 2;
-
-  static std::int64_t deepest_lookahead(const ExtensionRules& rules) {
-    return rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score);
-  }
 
   static const char* moved(const char* position, std::int64_t bases) {
     return forward ? position + bases : position - bases;

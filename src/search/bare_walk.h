@@ -61,7 +61,7 @@ class BareWalk {
         aids_.course.join(front);
         return outcome;
       }
-      if (steps_.permits_none(front)) return end_course(front, {1, -steps_.mildest(), 0, 0}, 0, foresight);
+      if (steps_.permits_none(front)) return end_course(front, {1, -steps_.rules().mildest_step(), 0, 0}, 0, foresight);
       // Forward the walks of later seeds come here higher and higher, backward lower and lower.
       if (questions > 0 && height <= (forward ? most_height / 2 : most_height)) {
         const std::int64_t bases =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "satellite/Csat.h"
@@ -11,6 +12,11 @@ struct ExtensionRules {
   std::int64_t maximum_depth;   ///< imperfect steps that the lookahead tries in a row
   std::int64_t Ns_allowed;      ///< longest run of N that is crossed
   bool Ns_as_missense;          ///< N is a mismatch instead of neutral
+
+  /// What the milder kind of step adds to the score.
+  std::int64_t mildest_step() const { return std::max(mismatch_score, indel_score); }
+  /// What the steps of the deepest lookahead add to the score at least, without matches.
+  std::int64_t deepest_lookahead() const { return maximum_depth * std::min(mismatch_score, indel_score); }
 };
 
 /// A repeat unit, the half-open range [begin, end) of the sequence, read as a circle.

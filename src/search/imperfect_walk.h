@@ -129,7 +129,7 @@ class ImperfectWalk {
 
   /// To be called for each step before it is taken.
   void note_lowest_height(std::int64_t height, std::int64_t lowest) {
-    spare_.note_step(height - lowest, lowest > 1 - steps_.mildest());
+    spare_.note_step(height - lowest, lowest > 1 - steps_.rules().mildest_step());
   }
 
   bool take_if_best(const State& state, State& best) {
@@ -196,7 +196,7 @@ class ImperfectWalk {
   /// moved.
   bool follow_guide(State& state, State& best) {
     if (!steps_.permits_all(state.front)) return false;
-    const std::int64_t too_low = steps_.bound() - steps_.deepest_lookahead();
+    const std::int64_t too_low = steps_.bound() - steps_.rules().deepest_lookahead();
     const auto led = guides_.lead(state.front, too_low - state.front.score);
     if (!led) return false;
     const UnitGuide::Way& way = led->way;

@@ -86,11 +86,11 @@ class LookaheadWindow {
   /// The choice where the score permits no second step behind any first one: their runs decide. '?' if it does.
   StepChoice choose_last_step(const Front<forward>& front, const char* limit) const {
     FirstSteps first(front.score, rules_, circle_);
-    if (first.height + 2 * std::max(rules_.mismatch_score, rules_.indel_score) > 0) return {};
+    if (first.height + 2 * rules_.mildest_step() > 0) return {};
     UnitRuns::RunsBehindSteps runs;
     if (!runs_.count_behind_steps(front, limit, runs)) return {};
     first.decide_by_runs(runs.mismatch, runs.insertion, runs.deletion);
-    const std::int64_t mildest = std::max(rules_.mismatch_score, rules_.indel_score);
+    const std::int64_t mildest = rules_.mildest_step();
     for (LookaheadWay way : {first.mismatch, first.insertion, first.deletion}) {
       if (first.permits(way.first_step) && way.take_step(mildest, first.bound, first.missing)) return {};
     }

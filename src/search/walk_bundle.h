@@ -105,7 +105,7 @@ class WalkBundle {
         first_base_(first_base),
         unit_length_(unit_length),
         unit_words_(unit_words),
-        least_height_(1 - rules.maximum_depth * std::min(rules.mismatch_score, rules.indel_score)) {}
+        least_height_(1 - rules.deepest_lookahead()) {}
 
   /// Lets the repeats grow to their ends in this direction. `go_to_line(line, walk)` takes a walk to a line, or over
   /// it, or to its end, and returns its leg.

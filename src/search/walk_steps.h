@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -45,17 +44,9 @@ class WalkSteps {
   const UnitRuns& runs() const { return runs_; }
 
   /// Whether the score permits every step of the lookahead, however deep.
-  bool permits_all(const Front<forward>& front) const { return front.score + deepest_lookahead() > bound_; }
+  bool permits_all(const Front<forward>& front) const { return front.score + rules_.deepest_lookahead() > bound_; }
 
-  /// What the steps of the deepest lookahead add to the score at least, without matches.
-  std::int64_t deepest_lookahead() const {
-    return rules_.maximum_depth * std::min(rules_.mismatch_score, rules_.indel_score);
-  }
-
-  bool permits_none(const Front<forward>& front) const { return front.score + mildest() <= bound_; }
-
-  /// What the milder kind of step adds to the score.
-  std::int64_t mildest() const { return std::max(rules_.mismatch_score, rules_.indel_score); }
+  bool permits_none(const Front<forward>& front) const { return front.score + rules_.mildest_step() <= bound_; }
 
   /// A choice depends on so many unit bases at least.
   std::int64_t fewest_unit_bases_seen() const { return window_.fewest_unit_bases_seen(); }

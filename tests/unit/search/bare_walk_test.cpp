@@ -51,7 +51,7 @@ TEST_F(BareWalkTest, TellsTheEventAtItsBeginForAllHigherScores) {
     const CSearchController controller(1, sequence.mol);
     const BasePlanes planes(sequence.mol.begin(), sequence.mol.end());
     const ExtensionRules extension_rules = rules();
-    const std::int64_t deepest = extension_rules.maximum_depth * std::min(global_mismatch_score, global_indel_score);
+    const std::int64_t deepest = extension_rules.deepest_lookahead();
     GrowthAids aids(sequence.mol.begin(), sequence.mol.end(), planes, extension_rules);
     for (const char* p = sequence.mol.begin() + 50; p < sequence.mol.end() - 60; p += 1 + random.below(6)) {
       Csat seed;
