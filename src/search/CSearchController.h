@@ -218,13 +218,16 @@ class CSearchController {
   /// Notes the deletion that a seed whose right end has paused will have at its first base, if it will have one. False
   /// if that is not known.
   bool note_event_at_left_end(Csat& seed, GrowthAids& aids) const;
+  using GrowingRepeats = std::vector<GrowingRepeat*>;
   /// Grows the right ends of the ones to where they stop, and then the left ends of the others, which it trims. All are
-  /// of one unit length.
-  void finish_growth(const std::vector<GrowingRepeat*>& forward, const std::vector<GrowingRepeat*>& backward,
-                     std::int64_t unit_length) const;
-  using GrowShare = std::function<void(const std::vector<GrowingRepeat*>& share, GrowthAids& aids)>;
-  /// Among the workers; those with rotations of one unit stay together.
-  void share_out(const std::vector<GrowingRepeat*>& repeats, std::int64_t unit_length, const GrowShare& grow) const;
+  /// of one unit length. Each end stops after so many bases or some more, where its score was highest; returned are those
+  /// that it did not come to the end of, sorted.
+  GrowingRepeats finish_growth(const GrowingRepeats& forward, const GrowingRepeats& backward, std::int64_t unit_length,
+                               std::int64_t most_bases = any_bases) const;
+  static constexpr std::int64_t any_bases = INT64_MAX;
+  using GrowShare = std::function<GrowingRepeats(const GrowingRepeats& share, GrowthAids& aids)>;
+  /// Among the workers; those with rotations of one unit stay together. Returns what they return.
+  GrowingRepeats share_out(const GrowingRepeats& repeats, std::int64_t unit_length, const GrowShare& grow) const;
   /// What the growth of one worker remembers.
   GrowthAids& aids_of(unsigned worker) const;
 

@@ -139,7 +139,7 @@ class BareWalk {
         leg.take_Ns();
         way_is_free = steps_.take_matches(front);
       }
-      walk.take_if_best(front.score, front.position);
+      walk.take_if_best(front);
       leg.take_if_best(front);
       walk.is_over = !way_is_free || front.position == steps_.limit();
       if (walk.is_over || is_there(front)) break;

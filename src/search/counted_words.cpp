@@ -36,21 +36,23 @@ std::int64_t CountedWords::highest_score(const UnitCircle& circle, std::int64_t 
   if (2 * std::min(mismatch_loss_, deletion_loss_) <= bases_) return INT64_MAX;  // then any word gains something
   find_ways(circle);
   std::int64_t score = INT64_MAX;
-  const auto look = [&](const Potentials& potentials, auto score_of) {
+  const auto look = [&](const Potentials& potentials) {
     if (score < enough) return;
-    score = std::min(score, (this->*score_of)(take_values(potentials)));
+    const Values values = take_values(potentials);
+    score = std::min(score, score_by_counts(values));
+    // The order takes as long as the array. It does not tell less than the sum of all words.
+    if (score >= enough && score_of_all(values) < enough) score = std::min(score, score_by_order(values));
     forget_values();
   };
   const Potentials none{std::vector<std::int32_t>(static_cast<std::size_t>(circle.length()), 0), 1};
-  look(none, &CountedWords::score_by_counts);
+  look(none);
   if (score < enough) return score;
   Potentials potentials = potentials_of(circle.length());
-  const std::int64_t scale = potentials.scale;
-  for (const auto score_of : {&CountedWords::score_by_counts, &CountedWords::score_by_order}) {
-    // The higher they are, the more counts where a way leads in other words.
-    for (potentials.scale = scale; potentials.scale <= 4 * scale; potentials.scale *= 2) look(potentials, score_of);
+  // The higher they are, the more counts where a way leads in other words.
+  for (const std::int64_t times : {2, 3, 4, 6, 8}) {
+    potentials.scale = times * rounds / 2;
+    look(potentials);
   }
-  look(none, &CountedWords::score_by_order);
   return score;
 }
 
@@ -161,14 +163,24 @@ void CountedWords::forget_values() {
   led_through_.clear();
 }
 
+std::int64_t CountedWords::score_of(std::int64_t value_of_words, const Values& values) const {
+  return (value_of_words + values.range) / values.scale + 2 * (bases_ - 1) + 1;
+}
+
+std::int64_t CountedWords::score_of_all(const Values& values) const {
+  std::int64_t value = values.of_others * static_cast<std::int64_t>(words_.size());
+  for (const std::uint32_t word : led_through_) value += std::int64_t{surplus_[word]} * counts_[word];
+  return score_of(value, values);
+}
+
 /// A walk begins in a word and ends in another one. Of others it can do without.
 std::int64_t CountedWords::score_by_counts(const Values& values) const {
   const std::int64_t of_others = std::max<std::int64_t>(values.of_others, 0);
-  std::int64_t score = values.range + of_others * static_cast<std::int64_t>(words_.size());
+  std::int64_t value = of_others * static_cast<std::int64_t>(words_.size());
   for (const std::uint32_t word : led_through_) {
-    score += std::max<std::int64_t>(values.of_others + surplus_[word] - of_others, 0) * counts_[word];
+    value += std::max<std::int64_t>(values.of_others + surplus_[word] - of_others, 0) * counts_[word];
   }
-  return score / values.scale + 2 * (bases_ - 1) + 1;
+  return score_of(value, values);
 }
 
 /// The words between those two follow each other (the sum of a contiguous part: Kadane, in Bentley 1984).
@@ -179,5 +191,5 @@ std::int64_t CountedWords::score_by_order(const Values& values) const {
     score = std::max<std::int64_t>(0, score + values.of_others + surplus_[word]);
     highest = std::max(highest, score);
   }
-  return (highest + values.range) / values.scale + 2 * (bases_ - 1) + 1;
+  return score_of(highest, values);
 }

@@ -57,6 +57,9 @@ class CountedWords {
   };
   Values take_values(const Potentials& potentials);
   void forget_values();
+  /// Of a walk through words of this value in all.
+  std::int64_t score_of(std::int64_t value_of_words, const Values& values) const;
+  std::int64_t score_of_all(const Values& values) const;
   std::int64_t score_by_counts(const Values& values) const;
   std::int64_t score_by_order(const Values& values) const;
 

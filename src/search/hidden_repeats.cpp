@@ -20,15 +20,20 @@ class HiddenRepeats::Array {
     waiting_.reserve(repeats.size());
     field.for_each_in(stretch, [this](const Contestant& other) { take_if_best(other); });
     if (stretch.length() < shortest_counted) {
-      for (Repeat* repeat : repeats) waiting_.push_back({highest_score(*repeat), false, repeat});
+      for (Repeat* repeat : repeats) {
+        waiting_.push_back({INT64_MAX, repeat});
+        look_around(waiting_.back());
+      }
       return;
     }
     // Where a unit is some words long a walk may always step between two words.
     CountedWords nines(9, controller.planes, controller.seq.begin(), stretch, controller.rules);
+    CountedWords eights(8, controller.planes, controller.seq.begin(), stretch, controller.rules);
     CountedWords sevens(7, controller.planes, controller.seq.begin(), stretch, controller.rules);
     for (Repeat* repeat : repeats) {
-      CountedWords& words = repeat->unit_length % 9 == 0 ? sevens : nines;
-      waiting_.push_back({words.highest_score(unit_of(*repeat), best_score_), true, repeat});
+      const std::int64_t length = repeat->unit_length;
+      CountedWords& words = length % 3 != 0 ? nines : length % 2 != 0 ? eights : sevens;
+      waiting_.push_back({words.highest_score(unit_of(*repeat), best_score_), repeat});
     }
   }
 
@@ -52,17 +57,17 @@ class HiddenRepeats::Array {
   /// not grown to their ends then need not be known. False if it may depend on some that were forgotten.
   bool settle() {
     for (Waiting& waiting : waiting_) {
-      if (waiting.is_rough && waiting.most_score >= best_score_) {
-        waiting.most_score = std::min(waiting.most_score, highest_score(*waiting.repeat));
-      }
+      if (!waiting.has_looked && waiting.most_score >= best_score_) look_around(waiting);
     }
     for (std::ptrdiff_t most = 16;; most *= 2) {
+      // When the best one is known most others need not grow far to be seen to be worse.
+      const bool is_best_sought = most <= most_to_seek_best;
       std::stable_sort(waiting_.begin(), waiting_.end(),
                        [](const Waiting& a, const Waiting& b) { return a.most_score > b.most_score; });
       const auto end = std::find_if(waiting_.begin(), waiting_.end(),
                                     [&](const Waiting& waiting) { return waiting.most_score < best_score_; });
       if (end == waiting_.begin()) break;
-      grow_an_end(std::min(most, end - waiting_.begin()));
+      grow_an_end(std::min(most, end - waiting_.begin()), is_best_sought);
       for (const Contestant& other : grown_) take_if_best(other);
     }
     const std::vector<Contestant> all = all_in(stretch_);
@@ -75,11 +80,25 @@ class HiddenRepeats::Array {
   }
 
  private:
+  static constexpr std::int64_t any_gain = INT64_MAX / 4;
+
   struct Waiting {
     std::int64_t most_score;
-    bool is_rough;  ///< the one bound that takes no longer for a longer array
     Repeat* repeat;
+    std::int64_t bases_to_grow = first_bases;  ///< the next time
+    bool has_looked = false;
+    std::int64_t right_gain = 0;  ///< that, at most, beyond what is known, once it has looked
+    std::int64_t left_gain = 0;
+
+    /// By what the words gain that the repeat has grown over.
+    static void lower_gain(std::int64_t& gain, std::int64_t of_words) {
+      if (gain < any_gain) gain += UnitWords::bases - 1 - of_words;
+    }
+    void lower_limit() { most_score = std::min(most_score, repeat->grown.score + right_gain + left_gain); }
   };
+
+  static constexpr std::int64_t first_bases = 1 << 11;
+  static constexpr std::ptrdiff_t most_to_seek_best = 512;
 
   /// From so many bases on the words of an array are counted.
   static constexpr std::uint32_t shortest_counted = 1 << 12;
@@ -89,47 +108,89 @@ class HiddenRepeats::Array {
     return {begin, begin + repeat.unit_length};
   }
 
-  /// What the repeat scores at most within its stretch.
-  std::int64_t highest_score(const Repeat& repeat) const {
+  template <bool forward>
+  UnitWords::Gains gains_between(const Repeat& repeat, std::uint32_t from, std::uint32_t to) const {
     const char* const first_base = controller_.seq.begin();
+    return controller_.aids_of(0).unit_words.gains<forward>(first_base + from, first_base + to, unit_of(repeat),
+                                                            any_gain, any_gain);
+  }
+
+  /// What the repeat gains at most within its stretch, word by word. Takes a part of the time of a walk.
+  void look_around(Waiting& waiting) const {
+    const Repeat& repeat = *waiting.repeat;
     const GrowingRepeat& grown = repeat.grown;
-    const UnitCircle unit = unit_of(repeat);
-    UnitWords& words = controller_.aids_of(0).unit_words;
-    constexpr std::int64_t never = INT64_MAX / 4;
-    std::int64_t score = grown.score;
     if (repeat.growth == Growth::paused_forward) {
-      const char* const end = first_base + repeat.stretch.end;
-      score += words.gains<true>(first_base + grown.right_end, end, unit, never, never).highest;
+      waiting.right_gain = gains_between<true>(repeat, grown.right_end, repeat.stretch.end).highest;
     }
-    const char* const begin = first_base + repeat.stretch.begin;
-    return score + words.gains<false>(first_base + grown.left, begin, unit, never, never).highest;
+    waiting.left_gain = gains_between<false>(repeat, grown.left, repeat.stretch.begin).highest;
+    waiting.has_looked = true;
+    waiting.lower_limit();
+  }
+
+  /// The same of one that has grown since then.
+  void look_again(Waiting& waiting, const Stretch& known_before) const {
+    if (!waiting.has_looked) return look_around(waiting);
+    const Repeat& repeat = *waiting.repeat;
+    const Stretch known = repeat.known();
+    // What was limited word by word before, up to the end of the word in which it stands.
+    const auto words_of = [](std::uint32_t bases) { return (bases + UnitWords::bases - 1) / UnitWords::bases; };
+    if (repeat.growth != Growth::paused_forward) {
+      waiting.right_gain = 0;
+    } else if (known.end > known_before.end) {
+      const std::uint32_t words = words_of(known.end - known_before.end);
+      const std::uint32_t end = std::min(repeat.stretch.end, known_before.end + words * UnitWords::bases);
+      waiting.lower_gain(waiting.right_gain, gains_between<true>(repeat, known_before.end, end).last);
+    }
+    if (known.begin < known_before.begin) {
+      const std::uint32_t bases = words_of(known_before.begin - known.begin) * UnitWords::bases;
+      const std::uint32_t begin = known_before.begin - std::min(known_before.begin - repeat.stretch.begin, bases);
+      waiting.lower_gain(waiting.left_gain, gains_between<false>(repeat, known_before.begin, begin).last);
+    }
+    waiting.lower_limit();
   }
 
   /// The first ones grow to their ends.
   void grow(std::ptrdiff_t count) {
-    while (count > 0) count = grow_an_end(count);
+    while (count > 0) count = grow_an_end(count, true);
   }
 
-  /// The first ones grow at an end, the right one first. Returns how many of them have another one to grow: they are
-  /// the first ones now.
-  std::ptrdiff_t grow_an_end(std::ptrdiff_t count) {
+  /// The first ones grow at an end, the right one first, to where it stops or only for some bases, each time for more.
+  /// Returns how many of them are to grow on: they are the first ones now.
+  std::ptrdiff_t grow_an_end(std::ptrdiff_t count, bool is_whole) {
+    using Repeats = std::vector<GrowingRepeat*>;
     struct Ends {
-      std::vector<GrowingRepeat*> right;
-      std::vector<GrowingRepeat*> left;
+      Repeats right;
+      Repeats left;
+      Repeats unfinished;
     };
-    std::map<std::int64_t, Ends> by_length;
+    std::map<std::pair<std::int64_t, std::int64_t>, Ends> ends_to_grow;
     const auto end = waiting_.begin() + count;
+    std::vector<Stretch> known_before;
+    const auto ends_of = [&](const Waiting& waiting) -> Ends& {
+      return ends_to_grow[{waiting.repeat->unit_length, is_whole ? CSearchController::any_bases : waiting.bases_to_grow}];
+    };
     for (auto at = waiting_.begin(); at != end; ++at) {
-      Repeat& repeat = *at->repeat;
-      Ends& ends = by_length[repeat.unit_length];
-      const bool is_right = repeat.growth == Growth::paused_forward;
-      (is_right ? ends.right : ends.left).push_back(&repeat.grown);
-      repeat.growth = is_right ? Growth::paused_backward : Growth::finished;
+      Ends& ends = ends_of(*at);
+      known_before.push_back(at->repeat->known());
+      (at->repeat->growth == Growth::paused_forward ? ends.right : ends.left).push_back(&at->repeat->grown);
     }
-    for (const auto& [length, ends] : by_length) controller_.finish_growth(ends.right, ends.left, length);
+    for (auto& [size, ends] : ends_to_grow) {
+      const auto [unit_length, bases] = size;
+      ends.unfinished = controller_.finish_growth(ends.right, ends.left, unit_length, bases);
+    }
+    for (auto at = waiting_.begin(); at != end; ++at) {
+      const Repeats& unfinished = ends_of(*at).unfinished;
+      if (std::binary_search(unfinished.begin(), unfinished.end(), &at->repeat->grown)) {
+        at->bases_to_grow *= 2;
+      } else {
+        Growth& growth = at->repeat->growth;
+        growth = growth == Growth::paused_forward ? Growth::paused_backward : Growth::finished;
+        at->bases_to_grow = first_bases;
+      }
+      if (at->repeat->growth != Growth::finished) look_again(*at, known_before[at - waiting_.begin()]);
+    }
     const auto grown = std::stable_partition(
         waiting_.begin(), end, [](const Waiting& waiting) { return waiting.repeat->growth != Growth::finished; });
-    for (auto at = waiting_.begin(); at != grown; ++at) at->most_score = highest_score(*at->repeat);
     for (auto at = grown; at != end; ++at) {
       const Repeat& repeat = *at->repeat;
       grown_.push_back({repeat.known(), repeat.unit_length, repeat.grown.score});

@@ -1,5 +1,6 @@
 // The extension of a repeat into an imperfect one: a greedy walk with a bounded lookahead.
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <string>
@@ -63,13 +64,15 @@ namespace {
 
 /// Of one unit length.
 template <bool forward>
-void grow_side_by_side(const std::vector<GrowingRepeat*>& repeats, std::int64_t unit_length, const char* limit,
-                       const ExtensionRules& rules, const BasePlanes& planes, const char* first_base,
-                       WalkAids<forward>& aids) {
+std::vector<GrowingRepeat*> grow_side_by_side(const std::vector<GrowingRepeat*>& repeats, std::int64_t unit_length,
+                                              std::int64_t most_bases, const char* limit, const ExtensionRules& rules,
+                                              const BasePlanes& planes, const char* first_base,
+                                              WalkAids<forward>& aids) {
   WalkBundle<forward> bundle(planes, first_base, unit_length, rules, aids.unit_words);
-  bundle.finish(repeats, [&](const char* line, auto& walk) {
+  const auto go_to_line = [&](const char* line, auto& walk) {
     return BareWalk<forward>(walk.circle, limit, rules, planes, first_base, aids).go_to_line(line, walk);
-  });
+  };
+  return bundle.finish(repeats, go_to_line, most_bases);
 }
 
 }  // namespace
@@ -89,29 +92,41 @@ bool CSearchController::stays_within(const GrowingRepeat& grown, Growth growth, 
   return walk.ends_by(first_base + stretch.begin, first_base + grown.left, grown.score, most_score);
 }
 
-void CSearchController::finish_growth(const std::vector<GrowingRepeat*>& forward,
-                                      const std::vector<GrowingRepeat*>& backward, std::int64_t unit_length) const {
-  share_out(forward, unit_length, [&](const std::vector<GrowingRepeat*>& share, GrowthAids& aids) {
-    grow_side_by_side(share, unit_length, seq.end(), rules, planes, seq.begin(), aids.forward);
-  });
-  share_out(backward, unit_length, [&](const std::vector<GrowingRepeat*>& share, GrowthAids& aids) {
-    grow_side_by_side(share, unit_length, seq.begin(), rules, planes, seq.begin(), aids.backward);
-  });
+CSearchController::GrowingRepeats CSearchController::finish_growth(const GrowingRepeats& forward,
+                                                                   const GrowingRepeats& backward,
+                                                                   std::int64_t unit_length,
+                                                                   std::int64_t most_bases) const {
   const char* const first_base = seq.begin();
+  GrowingRepeats others = share_out(forward, unit_length, [&](const GrowingRepeats& share, GrowthAids& aids) {
+    return grow_side_by_side(share, unit_length, most_bases, seq.end(), rules, planes, first_base, aids.forward);
+  });
+  const GrowingRepeats left = share_out(backward, unit_length, [&](const GrowingRepeats& share, GrowthAids& aids) {
+    return grow_side_by_side(share, unit_length, most_bases, first_base, rules, planes, first_base, aids.backward);
+  });
+  others.insert(others.end(), left.begin(), left.end());
+  std::sort(others.begin(), others.end());
   for (GrowingRepeat* grown : backward) {
+    if (std::binary_search(others.begin(), others.end(), grown)) continue;
     while (first_base[grown->right_end - 1] == 'N') --grown->right_end;
     while (first_base[grown->left] == 'N') ++grown->left;
   }
+  return others;
 }
 
-void CSearchController::share_out(const std::vector<GrowingRepeat*>& repeats, std::int64_t unit_length,
-                                  const GrowShare& grow) const {
-  std::vector<std::vector<GrowingRepeat*>> shares(workers.count());
+CSearchController::GrowingRepeats CSearchController::share_out(const GrowingRepeats& repeats, std::int64_t unit_length,
+                                                               const GrowShare& grow) const {
+  std::vector<GrowingRepeats> shares(workers.count());
   for (GrowingRepeat* repeat : repeats) {
     const char* const unit = seq.begin() + repeat->unit;
     const bool is_alone = shares.size() == 1;
     const std::size_t mixed = is_alone ? 0 : std::hash<std::string>()(UnitClass({unit, unit + unit_length}).text());
     shares[mixed % shares.size()].push_back(repeat);
   }
-  workers.run(shares.size(), [&](std::size_t number, unsigned worker) { grow(shares[number], aids_of(worker)); });
+  std::vector<GrowingRepeats> returned(shares.size());
+  workers.run(shares.size(), [&](std::size_t number, unsigned worker) {
+    returned[number] = grow(shares[number], aids_of(worker));
+  });
+  GrowingRepeats all;
+  for (const GrowingRepeats& some : returned) all.insert(all.end(), some.begin(), some.end());
+  return all;
 }

@@ -25,15 +25,21 @@ struct BundledWalk {
   Front<forward> front;  ///< anywhere on the way: matches may lie ahead
   std::int64_t best_score;
   const char* best_position;  ///< of the earliest state of that score, perhaps without N behind it
+  const char* best_unit;      ///< expected there
   bool is_over = false;
 
   BundledWalk(const UnitCircle& unit, const Front<forward>& begin)
-      : circle(unit), front(begin), best_score(begin.score), best_position(begin.position) {}
+      : circle(unit),
+        front(begin),
+        best_score(begin.score),
+        best_position(begin.position),
+        best_unit(begin.unit) {}
 
-  void take_if_best(std::int64_t score, const char* position) {
-    if (score <= best_score) return;
-    best_score = score;
-    best_position = position;
+  void take_if_best(const Front<forward>& state) {
+    if (state.score <= best_score) return;
+    best_score = state.score;
+    best_position = state.position;
+    best_unit = state.unit;
   }
 };
 
@@ -47,6 +53,7 @@ struct WalkLeg {
   std::int64_t lowest = 0;  ///< gain at a stop
   std::int64_t highest = 0;
   const char* highest_position = nullptr;  ///< the first one; null if nothing is gained anywhere
+  std::int64_t highest_unit_bases = 0;     ///< taken up to there
 
   explicit WalkLeg(std::int64_t score) : first_score_(score) {}
 
@@ -58,6 +65,7 @@ struct WalkLeg {
     if (front.score - first_score_ <= highest) return;
     highest = front.score - first_score_;
     highest_position = front.position;
+    highest_unit_bases = unit_bases;
   }
 
   /// Where everything is permitted the choice does not depend on the score.
@@ -107,10 +115,16 @@ class WalkBundle {
         unit_words_(unit_words),
         least_height_(1 - rules.deepest_lookahead()) {}
 
-  /// Lets the repeats grow to their ends in this direction. `go_to_line(line, walk)` takes a walk to a line, or over
-  /// it, or to its end, and returns its leg.
+  static constexpr std::int64_t any_bases = INT64_MAX;
+
+  /// Lets the repeats grow to their ends in this direction, or so many bases or more if the end is not reached before.
+  /// Returns those whose end is not known then: they stand where their score was highest. `go_to_line(line, walk)`
+  /// takes a walk to a line, or over it, or to its end, and returns its leg.
   template <typename GoToLine>
-  void finish(std::vector<GrowingRepeat*> repeats, GoToLine go_to_line) {
+  std::vector<GrowingRepeat*> finish(std::vector<GrowingRepeat*> repeats, GoToLine go_to_line,
+                                     std::int64_t most_bases = any_bases) {
+    const std::int64_t most_lines = most_bases / bases_between_lines;
+    std::vector<GrowingRepeat*> unfinished;
     // The one that is reached first comes last.
     std::sort(repeats.begin(), repeats.end(),
               [this](const GrowingRepeat* a, const GrowingRepeat* b) { return comes_before(end_of(*b), end_of(*a)); });
@@ -121,16 +135,18 @@ class WalkBundle {
       const char* const end = position_of(line + 1);
       for (; !repeats.empty() && comes_before(end_of(*repeats.back()), end); repeats.pop_back()) {
         groups_.push_back(group_of(*repeats.back()));
+        groups_.back().last_line = line > any_bases - most_lines ? any_bases : line + most_lines;
       }
       // Some are split off on the way.
       for (std::size_t number = 0; number < groups_.size(); ++number) {
         if (comes_before(groups_[number].walk.front.position, end)) go(number, begin, end, go_to_line);
       }
       if (line % lines_between_meetings == 0) end_those_fallen();
-      drop_ended();
+      drop_ended(line, unfinished);
       ++line;
       if (line % lines_between_meetings == 0) join_those_at(end);
     }
+    return unfinished;
   }
 
  private:
@@ -147,7 +163,8 @@ class WalkBundle {
 
   struct Member {
     GrowingRepeat* repeat;
-    std::int64_t lead;  ///< of its score before the group's
+    std::int64_t lead;          ///< of its score before the group's
+    std::uint32_t class_phase;  ///< of its first unit base
   };
 
   /// Walks that are in the same place and phase, with rotations of one unit. One of them has no lead.
@@ -161,6 +178,7 @@ class WalkBundle {
     std::vector<Member> members;
     /// Below the best score, before it is asked whether the walk may come back to it.
     std::int64_t fall_to_ask = UnitWords::least_fall;
+    std::int64_t last_line = 0;  ///< behind it the walk may pause
   };
 
   /// A leg from a line to the next one. Distances are counted as the walk goes.
@@ -173,6 +191,7 @@ class WalkBundle {
     std::int32_t highest = 0;
     std::uint16_t unit_bases = 0;
     std::uint16_t highest_bases = 0;
+    std::uint16_t highest_unit_bases = 0;
   };
 
   static std::size_t slot_of(const Bases& near, const Bases& behind = {}) {
@@ -201,13 +220,14 @@ class WalkBundle {
     const UnitClass unit(circle);
     const auto next_class = static_cast<std::uint32_t>(classes_.size());
     const std::uint32_t unit_class = classes_.emplace(unit.text(), next_class).first->second;
+    const auto class_phase = static_cast<std::uint32_t>(unit.phase_of(0));
     return {Walk(circle, {end_of(repeat), expected, repeat.score, 0}),
             unit_class,
-            static_cast<std::uint32_t>(unit.phase_of(0)),
+            class_phase,
             static_cast<std::uint32_t>(unit.period()),
             0,
             0,
-            {{&repeat, 0}}};
+            {{&repeat, 0, class_phase}}};
   }
 
   /// Takes a group to the line `end` or over it, at most to where it is over.
@@ -244,8 +264,13 @@ class WalkBundle {
     Walk& walk = group.walk;
     Front<forward>& front = walk.front;
     if (front.score + group.least_lead + walk.circle.length() + leg.lowest < least_height_) return false;
-    walk.take_if_best(front.score + leg.highest,
-                      forward ? front.position + leg.highest_bases : front.position - leg.highest_bases);
+    if (front.score + leg.highest > walk.best_score) {
+      Front<forward> best = front;
+      runs.advance(best, leg.highest_unit_bases);
+      best.position = front.position + (forward ? leg.highest_bases : -leg.highest_bases);
+      best.score += leg.highest;
+      walk.take_if_best(best);
+    }
     runs.advance(front, leg.unit_bases);
     front.position = end;
     front.score += leg.gain;
@@ -270,6 +295,7 @@ class WalkBundle {
     entry.highest = static_cast<std::int32_t>(leg.highest);
     entry.unit_bases = static_cast<std::uint16_t>(leg.unit_bases);
     entry.highest_bases = static_cast<std::uint16_t>(forward ? highest_bases : -highest_bases);
+    entry.highest_unit_bases = static_cast<std::uint16_t>(leg.highest_unit_bases);
   }
 
   /// The members whose score does not permit everything on a way that the group has gone from `before` on go by
@@ -290,7 +316,7 @@ class WalkBundle {
       part.walk = before;
       part.members.clear();
       for (; first < others.size() && others[first].lead == lead; ++first) {
-        part.members.push_back({others[first].repeat, 0});
+        part.members.push_back({others[first].repeat, 0, others[first].class_phase});
       }
       part.walk.front.score += lead;
       part.walk.best_score = before.best_score + lead;
@@ -311,11 +337,15 @@ class WalkBundle {
   /// Tells the members of the group's best state.
   void tell(Group& group) const {
     const auto position = static_cast<std::uint32_t>(group.walk.best_position - first_base_);
+    const auto offset = static_cast<std::uint32_t>(group.walk.best_unit - group.walk.circle.begin);
+    const std::uint32_t phase = group.class_phase + offset + group.class_period;
     for (const Member& member : group.members) {
       const std::int64_t score = group.walk.best_score + member.lead;
       if (score <= member.repeat->score) continue;
       member.repeat->score = static_cast<std::int32_t>(score);
       (forward ? member.repeat->right_end : member.repeat->left) = position;
+      (forward ? member.repeat->unit_right : member.repeat->unit_left) =
+          member.repeat->unit + (phase - member.class_phase) % group.class_period;
     }
     group.walk.best_score = no_score;
   }
@@ -344,10 +374,15 @@ class WalkBundle {
     return least;
   }
 
-  void drop_ended() {
-    const auto ended =
-        std::partition(groups_.begin(), groups_.end(), [](const Group& group) { return !group.walk.is_over; });
-    std::for_each(ended, groups_.end(), [this](Group& group) { tell(group); });
+  void drop_ended(std::int64_t line, std::vector<GrowingRepeat*>& unfinished) {
+    const auto ended = std::partition(groups_.begin(), groups_.end(), [line](const Group& group) {
+      return !group.walk.is_over && line < group.last_line;
+    });
+    for (auto group = ended; group != groups_.end(); ++group) {
+      tell(*group);
+      if (group->walk.is_over) continue;
+      for (const Member& member : group->members) unfinished.push_back(member.repeat);
+    }
     groups_.erase(ended, groups_.end());
   }
 
@@ -400,7 +435,10 @@ class WalkBundle {
       Group& group = groups_[number_of(i)];
       tell(group);
       const std::int64_t lead = group.walk.front.score - all.walk.front.score;
-      for (const Member& member : group.members) all.members.push_back({member.repeat, member.lead + lead});
+      for (const Member& member : group.members) {
+        all.members.push_back({member.repeat, member.lead + lead, member.class_phase});
+      }
+      all.last_line = std::max(all.last_line, group.last_line);
       is_joined[number_of(i)] = 1;
     }
     find_leads(all);

@@ -30,7 +30,7 @@ class Walker {
         ++front.score;
         leg.take_run(1);
       }
-      walk.take_if_best(front.score, front.position);
+      walk.take_if_best(front);
       leg.take_if_best(front);
       const std::int64_t height = front.score + walk.circle.length();
       walk.is_over = front.position == limit_;
