@@ -220,8 +220,8 @@ class CSearchController {
   bool note_event_at_left_end(Csat& seed, GrowthAids& aids) const;
   using GrowingRepeats = std::vector<GrowingRepeat*>;
   /// Grows the right ends of the ones to where they stop, and then the left ends of the others, which it trims. All are
-  /// of one unit length. Each end stops after so many bases or some more, where its score was highest; returned are those
-  /// that it did not come to the end of, sorted.
+  /// of one unit length. Each end stops after so many bases or some more, where its score was highest; returned are
+  /// those that it did not come to the end of, sorted.
   GrowingRepeats finish_growth(const GrowingRepeats& forward, const GrowingRepeats& backward, std::int64_t unit_length,
                                std::int64_t most_bases = any_bases) const;
   static constexpr std::int64_t any_bases = INT64_MAX;

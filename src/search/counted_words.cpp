@@ -15,7 +15,8 @@ constexpr std::int64_t greatest_loss = 100;
 
 CountedWords::CountedWords(std::int64_t bases, const BasePlanes& planes, const char* first_base, const Stretch& part,
                            const ExtensionRules& rules)
-    : bases_(bases),
+    : part_(part),
+      bases_(bases),
       numbers_(static_cast<unsigned>(bases)),
       planes_(planes),
       first_base_(first_base),
@@ -32,16 +33,21 @@ CountedWords::CountedWords(std::int64_t bases, const BasePlanes& planes, const c
   }
 }
 
-std::int64_t CountedWords::highest_score(const UnitCircle& circle, std::int64_t enough) {
+std::int64_t CountedWords::highest_score(const UnitCircle& circle, const Known& known, std::int64_t enough) {
   if (2 * std::min(mismatch_loss_, deletion_loss_) <= bases_) return INT64_MAX;  // then any word gains something
   find_ways(circle);
+  const auto bases = static_cast<std::size_t>(bases_);
+  const Beyond beyond{std::min(words_.size(), (known.stretch.begin - part_.begin) / bases),
+                      std::min(words_.size(), (known.stretch.end - part_.begin + bases - 1) / bases)};
   std::int64_t score = INT64_MAX;
   const auto look = [&](const Potentials& potentials) {
     if (score < enough) return;
     const Values values = take_values(potentials);
-    score = std::min(score, score_by_counts(values));
-    // The order takes as long as the array. It does not tell less than the sum of all words.
-    if (score >= enough && score_of_all(values) < enough) score = std::min(score, score_by_order(values));
+    score = std::min(score, known.score + gain_by_counts(beyond, values));
+    // To go through them in their order takes as long as the array. It does not tell less than all words in sum.
+    if (score >= enough && known.score + gain_of_all(beyond, values) < enough) {
+      score = std::min(score, known.score + gain_by_order(beyond, values));
+    }
     forget_values();
   };
   const Potentials none{std::vector<std::int32_t>(static_cast<std::size_t>(circle.length()), 0), 1};
@@ -163,33 +169,44 @@ void CountedWords::forget_values() {
   led_through_.clear();
 }
 
-std::int64_t CountedWords::score_of(std::int64_t value_of_words, const Values& values) const {
-  return (value_of_words + values.range) / values.scale + 2 * (bases_ - 1) + 1;
+/// On either side the first bases belong to a word that is known in part, and the last ones to one that the walk does
+/// not come to the end of.
+std::int64_t CountedWords::gain_of(std::int64_t value_of_words, const Values& values) const {
+  return (value_of_words + 2 * values.range) / values.scale + 4 * (bases_ - 1);
 }
 
-std::int64_t CountedWords::score_of_all(const Values& values) const {
+std::int64_t CountedWords::gain_of_all(const Beyond& beyond, const Values& values) const {
   std::int64_t value = values.of_others * static_cast<std::int64_t>(words_.size());
   for (const std::uint32_t word : led_through_) value += std::int64_t{surplus_[word]} * counts_[word];
-  return score_of(value, values);
+  for (std::size_t i = beyond.left_end; i < beyond.right_begin; ++i) value -= value_of(words_[i], values);
+  return gain_of(value, values);
 }
 
-/// A walk begins in a word and ends in another one. Of others it can do without.
-std::int64_t CountedWords::score_by_counts(const Values& values) const {
-  const std::int64_t of_others = std::max<std::int64_t>(values.of_others, 0);
+/// A walk can do without words that lose something.
+std::int64_t CountedWords::gain_by_counts(const Beyond& beyond, const Values& values) const {
+  const std::int64_t of_others = values.of_others_or_none();
   std::int64_t value = of_others * static_cast<std::int64_t>(words_.size());
   for (const std::uint32_t word : led_through_) {
-    value += std::max<std::int64_t>(values.of_others + surplus_[word] - of_others, 0) * counts_[word];
+    value += std::max<std::int64_t>(value_of(word, values) - of_others, 0) * counts_[word];
   }
-  return score_of(value, values);
+  for (std::size_t i = beyond.left_end; i < beyond.right_begin; ++i) {
+    value -= std::max<std::int64_t>(value_of(words_[i], values), 0);
+  }
+  return gain_of(value, values);
 }
 
-/// The words between those two follow each other (the sum of a contiguous part: Kadane, in Bentley 1984).
-std::int64_t CountedWords::score_by_order(const Values& values) const {
-  std::int64_t highest = 0;
-  std::int64_t score = 0;
-  for (const std::uint32_t word : words_) {
-    score = std::max<std::int64_t>(0, score + values.of_others + surplus_[word]);
-    highest = std::max(highest, score);
-  }
-  return score_of(highest, values);
+/// It comes to them one after the other.
+std::int64_t CountedWords::gain_by_order(const Beyond& beyond, const Values& values) const {
+  const auto highest_from = [&](auto first, auto end) {
+    std::int64_t highest = 0;
+    std::int64_t value = 0;
+    for (auto word = first; word != end; ++word) {
+      value += value_of(*word, values);
+      highest = std::max(highest, value);
+    }
+    return highest;
+  };
+  const auto right = words_.begin() + static_cast<std::ptrdiff_t>(beyond.right_begin);
+  const auto left = words_.rend() - static_cast<std::ptrdiff_t>(beyond.left_end);
+  return gain_of(highest_from(right, words_.end()) + highest_from(left, words_.rend()), values);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -25,9 +27,15 @@ class CountedWords {
   CountedWords(std::int64_t bases, const BasePlanes& planes, const char* first_base, const Stretch& part,
                const ExtensionRules& rules);
 
-  /// The highest score of any walk that begins and ends in the part, or a higher one. As long as it cannot be seen to
-  /// be less than `enough` it is looked at more closely.
-  std::int64_t highest_score(const UnitCircle& circle, std::int64_t enough);
+  /// What is known of a walk. It may go on beyond either end of the stretch, within the part.
+  struct Known {
+    Stretch stretch;
+    std::int64_t score;
+  };
+
+  /// The highest score that a walk with this unit may come to, or a higher one. As long as it cannot be seen to be less
+  /// than `enough` it is looked at more closely.
+  std::int64_t highest_score(const UnitCircle& circle, const Known& known, std::int64_t enough);
 
  private:
   /// Through a word with a step at most.
@@ -54,15 +62,24 @@ class CountedWords {
     std::int64_t range;
     std::int64_t of_unknown;
     std::int64_t of_others;
+
+    std::int64_t of_others_or_none() const { return std::max<std::int64_t>(of_others, 0); }
+  };
+  /// Words that a walk may come to: the first ones and the last ones.
+  struct Beyond {
+    std::size_t left_end;
+    std::size_t right_begin;
   };
   Values take_values(const Potentials& potentials);
   void forget_values();
-  /// Of a walk through words of this value in all.
-  std::int64_t score_of(std::int64_t value_of_words, const Values& values) const;
-  std::int64_t score_of_all(const Values& values) const;
-  std::int64_t score_by_counts(const Values& values) const;
-  std::int64_t score_by_order(const Values& values) const;
+  std::int64_t value_of(std::uint32_t word, const Values& values) const { return values.of_others + surplus_[word]; }
+  /// What a walk gains on both sides in words of this value.
+  std::int64_t gain_of(std::int64_t value_of_words, const Values& values) const;
+  std::int64_t gain_of_all(const Beyond& beyond, const Values& values) const;
+  std::int64_t gain_by_counts(const Beyond& beyond, const Values& values) const;
+  std::int64_t gain_by_order(const Beyond& beyond, const Values& values) const;
 
+  const Stretch part_;
   const std::int64_t bases_;
   const Words numbers_;
   const BasePlanes& planes_;

@@ -19,22 +19,12 @@ class HiddenRepeats::Array {
       : controller_(controller), stretch_(stretch), zone_(zone), field_(field), forgotten_(forgotten) {
     waiting_.reserve(repeats.size());
     field.for_each_in(stretch, [this](const Contestant& other) { take_if_best(other); });
-    if (stretch.length() < shortest_counted) {
-      for (Repeat* repeat : repeats) {
-        waiting_.push_back({INT64_MAX, repeat});
-        look_around(waiting_.back());
+    if (stretch.length() >= shortest_counted) {
+      for (const std::int64_t bases : {7, 8, 9}) {
+        words_.emplace_back(bases, controller.planes, controller.seq.begin(), stretch, controller.rules);
       }
-      return;
     }
-    // Where a unit is some words long a walk may always step between two words.
-    CountedWords nines(9, controller.planes, controller.seq.begin(), stretch, controller.rules);
-    CountedWords eights(8, controller.planes, controller.seq.begin(), stretch, controller.rules);
-    CountedWords sevens(7, controller.planes, controller.seq.begin(), stretch, controller.rules);
-    for (Repeat* repeat : repeats) {
-      const std::int64_t length = repeat->unit_length;
-      CountedWords& words = length % 3 != 0 ? nines : length % 2 != 0 ? eights : sevens;
-      waiting_.push_back({words.highest_score(unit_of(*repeat), best_score_), repeat});
-    }
+    for (Repeat* repeat : repeats) waiting_.push_back({highest_score(*repeat), repeat});
   }
 
   /// Marks those that are worse than the best one.
@@ -56,9 +46,6 @@ class HiddenRepeats::Array {
   /// Grows those that may win against the best one, or all if the overlap removal may depend on them. Those that have
   /// not grown to their ends then need not be known. False if it may depend on some that were forgotten.
   bool settle() {
-    for (Waiting& waiting : waiting_) {
-      if (!waiting.has_looked && waiting.most_score >= best_score_) look_around(waiting);
-    }
     for (std::ptrdiff_t most = 16;; most *= 2) {
       // When the best one is known most others need not grow far to be seen to be worse.
       const bool is_best_sought = most <= most_to_seek_best;
@@ -80,25 +67,14 @@ class HiddenRepeats::Array {
   }
 
  private:
-  static constexpr std::int64_t any_gain = INT64_MAX / 4;
-
   struct Waiting {
     std::int64_t most_score;
     Repeat* repeat;
     std::int64_t bases_to_grow = first_bases;  ///< the next time
-    bool has_looked = false;
-    std::int64_t right_gain = 0;  ///< that, at most, beyond what is known, once it has looked
-    std::int64_t left_gain = 0;
-
-    /// By what the words gain that the repeat has grown over.
-    static void lower_gain(std::int64_t& gain, std::int64_t of_words) {
-      if (gain < any_gain) gain += UnitWords::bases - 1 - of_words;
-    }
-    void lower_limit() { most_score = std::min(most_score, repeat->grown.score + right_gain + left_gain); }
   };
 
-  static constexpr std::int64_t first_bases = 1 << 11;
-  static constexpr std::ptrdiff_t most_to_seek_best = 512;
+  static constexpr std::int64_t first_bases = 1 << 13;
+  static constexpr std::ptrdiff_t most_to_seek_best = 32;
 
   /// From so many bases on the words of an array are counted.
   static constexpr std::uint32_t shortest_counted = 1 << 12;
@@ -108,45 +84,30 @@ class HiddenRepeats::Array {
     return {begin, begin + repeat.unit_length};
   }
 
+  /// What the repeat scores at most within its stretch.
+  std::int64_t highest_score(const Repeat& repeat) {
+    const bool is_open = repeat.growth == Growth::paused_forward;
+    if (!words_.empty()) {
+      const std::uint32_t end = is_open ? repeat.grown.right_end : stretch_.end;
+      return words_for(repeat.unit_length)
+          .highest_score(unit_of(repeat), {{repeat.grown.left, end}, repeat.grown.score}, best_score_);
+    }
+    const std::int64_t score = repeat.grown.score + most_gain<false>(repeat, repeat.grown.left, repeat.stretch.begin);
+    return is_open ? score + most_gain<true>(repeat, repeat.grown.right_end, repeat.stretch.end) : score;
+  }
+
   template <bool forward>
-  UnitWords::Gains gains_between(const Repeat& repeat, std::uint32_t from, std::uint32_t to) const {
+  std::int64_t most_gain(const Repeat& repeat, std::uint32_t from, std::uint32_t to) const {
     const char* const first_base = controller_.seq.begin();
-    return controller_.aids_of(0).unit_words.gains<forward>(first_base + from, first_base + to, unit_of(repeat),
-                                                            any_gain, any_gain);
+    UnitWords& words = controller_.aids_of(0).unit_words;
+    constexpr std::int64_t never = INT64_MAX / 4;
+    return words.gains<forward>(first_base + from, first_base + to, unit_of(repeat), never, never).highest;
   }
 
-  /// What the repeat gains at most within its stretch, word by word. Takes a part of the time of a walk.
-  void look_around(Waiting& waiting) const {
-    const Repeat& repeat = *waiting.repeat;
-    const GrowingRepeat& grown = repeat.grown;
-    if (repeat.growth == Growth::paused_forward) {
-      waiting.right_gain = gains_between<true>(repeat, grown.right_end, repeat.stretch.end).highest;
-    }
-    waiting.left_gain = gains_between<false>(repeat, grown.left, repeat.stretch.begin).highest;
-    waiting.has_looked = true;
-    waiting.lower_limit();
-  }
-
-  /// The same of one that has grown since then.
-  void look_again(Waiting& waiting, const Stretch& known_before) const {
-    if (!waiting.has_looked) return look_around(waiting);
-    const Repeat& repeat = *waiting.repeat;
-    const Stretch known = repeat.known();
-    // What was limited word by word before, up to the end of the word in which it stands.
-    const auto words_of = [](std::uint32_t bases) { return (bases + UnitWords::bases - 1) / UnitWords::bases; };
-    if (repeat.growth != Growth::paused_forward) {
-      waiting.right_gain = 0;
-    } else if (known.end > known_before.end) {
-      const std::uint32_t words = words_of(known.end - known_before.end);
-      const std::uint32_t end = std::min(repeat.stretch.end, known_before.end + words * UnitWords::bases);
-      waiting.lower_gain(waiting.right_gain, gains_between<true>(repeat, known_before.end, end).last);
-    }
-    if (known.begin < known_before.begin) {
-      const std::uint32_t bases = words_of(known_before.begin - known.begin) * UnitWords::bases;
-      const std::uint32_t begin = known_before.begin - std::min(known_before.begin - repeat.stretch.begin, bases);
-      waiting.lower_gain(waiting.left_gain, gains_between<false>(repeat, known_before.begin, begin).last);
-    }
-    waiting.lower_limit();
+  /// Where a unit is some words long a walk may always step between two words, and in each third turn if it is as long
+  /// as some words and a third of one.
+  CountedWords& words_for(std::int64_t unit_length) {
+    return words_[unit_length % 3 != 0 ? 2 : unit_length % 2 != 0 ? 1 : 0];
   }
 
   /// The first ones grow to their ends.
@@ -165,13 +126,12 @@ class HiddenRepeats::Array {
     };
     std::map<std::pair<std::int64_t, std::int64_t>, Ends> ends_to_grow;
     const auto end = waiting_.begin() + count;
-    std::vector<Stretch> known_before;
     const auto ends_of = [&](const Waiting& waiting) -> Ends& {
-      return ends_to_grow[{waiting.repeat->unit_length, is_whole ? CSearchController::any_bases : waiting.bases_to_grow}];
+      return ends_to_grow[{waiting.repeat->unit_length,
+                           is_whole ? CSearchController::any_bases : waiting.bases_to_grow}];
     };
     for (auto at = waiting_.begin(); at != end; ++at) {
       Ends& ends = ends_of(*at);
-      known_before.push_back(at->repeat->known());
       (at->repeat->growth == Growth::paused_forward ? ends.right : ends.left).push_back(&at->repeat->grown);
     }
     for (auto& [size, ends] : ends_to_grow) {
@@ -187,7 +147,7 @@ class HiddenRepeats::Array {
         growth = growth == Growth::paused_forward ? Growth::paused_backward : Growth::finished;
         at->bases_to_grow = first_bases;
       }
-      if (at->repeat->growth != Growth::finished) look_again(*at, known_before[at - waiting_.begin()]);
+      if (at->repeat->growth != Growth::finished) at->most_score = std::min(at->most_score, highest_score(*at->repeat));
     }
     const auto grown = std::stable_partition(
         waiting_.begin(), end, [](const Waiting& waiting) { return waiting.repeat->growth != Growth::finished; });
@@ -288,6 +248,7 @@ class HiddenRepeats::Array {
   const Stretch stretch_;
   const Stretch zone_;
   const Contestants& field_;
+  std::vector<CountedWords> words_;      ///< of 7, 8 and 9 bases; none in a short array
   std::int64_t best_score_ = INT64_MIN;  ///< of those that cover most of the array
   std::vector<Waiting> waiting_;
   std::vector<Contestant> grown_;  ///< those that have grown to their ends

@@ -123,9 +123,8 @@ CSearchController::GrowingRepeats CSearchController::share_out(const GrowingRepe
     shares[mixed % shares.size()].push_back(repeat);
   }
   std::vector<GrowingRepeats> returned(shares.size());
-  workers.run(shares.size(), [&](std::size_t number, unsigned worker) {
-    returned[number] = grow(shares[number], aids_of(worker));
-  });
+  workers.run(shares.size(),
+              [&](std::size_t number, unsigned worker) { returned[number] = grow(shares[number], aids_of(worker)); });
   GrowingRepeats all;
   for (const GrowingRepeats& some : returned) all.insert(all.end(), some.begin(), some.end());
   return all;

@@ -29,11 +29,7 @@ struct BundledWalk {
   bool is_over = false;
 
   BundledWalk(const UnitCircle& unit, const Front<forward>& begin)
-      : circle(unit),
-        front(begin),
-        best_score(begin.score),
-        best_position(begin.position),
-        best_unit(begin.unit) {}
+      : circle(unit), front(begin), best_score(begin.score), best_position(begin.position), best_unit(begin.unit) {}
 
   void take_if_best(const Front<forward>& state) {
     if (state.score <= best_score) return;

@@ -77,8 +77,16 @@ class WalkBundleTest : public test::SearchTest {
     std::vector<GrowingRepeat*> repeats;
     for (GrowingRepeat& repeat : together) repeats.push_back(&repeat);
     UnitWords words(sequence.mol.begin(), sequence.mol.end(), planes, walker_rules);
-    WalkBundle<forward>(planes, sequence.mol.begin(), static_cast<std::int64_t>(unit_length), walker_rules, words)
-        .finish(repeats, Walker<forward>(sequence.mol.begin(), sequence.mol.end()));
+    const auto finish = [&](std::int64_t most_bases) {
+      return WalkBundle<forward>(planes, sequence.mol.begin(), static_cast<std::int64_t>(unit_length), walker_rules,
+                                 words)
+          .finish(repeats, Walker<forward>(sequence.mol.begin(), sequence.mol.end()), most_bases);
+    };
+    if (seed % 2 == 0) {
+      // In parts, each time from where the score was highest.
+      for (std::int64_t bases = 100; !repeats.empty(); bases *= 2) repeats = finish(bases);
+    }
+    EXPECT_TRUE(finish(WalkBundle<forward>::any_bases).empty());
     for (std::size_t i = 0; i < together.size(); ++i) {
       const auto ends = [](const GrowingRepeat& repeat) {
         return std::vector<std::int64_t>{repeat.left, repeat.right_end, repeat.score};
