@@ -3,9 +3,11 @@
 #include "search/hidden_repeats.h"
 
 #include <algorithm>
+#include <array>
 #include <list>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -131,6 +133,55 @@ TEST_F(HiddenRepeatsTest, StayWhereTheyAreToldToStay) {
   }
   EXPECT_GT(asked, 5000);
   EXPECT_GT(told, 1000);
+}
+
+// Of a long array the words beyond what is known are counted, and walks grow in parts.
+TEST_F(HiddenRepeatsTest, WinInLongArraysIfTheyMay) {
+  Random random(2);
+  constexpr std::uint32_t length = 31;
+  const std::string unit = random.bases(length);
+  std::string copies;
+  while (copies.size() < 40000) copies += random.copy(unit, 40);
+  set(random.bases(300) + copies + random.bases(300));
+  for (const std::ptrdiff_t from : {400, 20000, 39000}) {
+    std::optional<Seed> found;
+    for (std::ptrdiff_t begin = from; !found || found->at_last.length() < 39000; ++begin) found = seed(begin, length);
+    const Stretch stretch{found->at_last.begin - 2, found->at_last.end + 2};
+    const auto score = static_cast<int>(found->score);
+    EXPECT_TRUE(is_added(*found, length, stretch, {})) << from;
+    EXPECT_TRUE(is_added(*found, length, stretch, {record(stretch, 20, score - 1)})) << from;
+    EXPECT_TRUE(is_added(*found, length, stretch, {record(stretch, 20, score)})) << from;
+    EXPECT_FALSE(is_added(*found, length, stretch, {record(stretch, 20, 2 * score)})) << from;
+  }
+}
+
+// All but the first ones grow in parts.
+TEST_F(HiddenRepeatsTest, ManyGrowToTheSameEndsAsAlone) {
+  Random random(3);
+  constexpr std::uint32_t length = 31;
+  const std::string unit = random.bases(length);
+  std::string copies;
+  while (copies.size() < 30000) copies += random.copy(unit, 40);
+  set(random.bases(300) + copies + random.bases(300));
+  HiddenRepeats hidden(*controller_, HiddenRepeats::any_number);
+  using Grown = std::array<std::int64_t, 3>;
+  std::set<Grown> alone;
+  for (std::ptrdiff_t begin = 400; begin < 30000; begin += 131) {
+    const std::optional<Seed> seed = this->seed(begin, length);
+    if (!seed) continue;
+    hidden.add(seed->grown, seed->growth, length, {0, static_cast<std::uint32_t>(copies.size() + 600)});
+    alone.insert({seed->at_last.begin, seed->at_last.end, seed->score});
+  }
+  ASSERT_GT(alone.size(), 10U);
+  CsatContainer found;
+  EXPECT_TRUE(hidden.settle(found.sats));
+  std::int64_t highest = 0;
+  for (const Csat* sat : found.sats) {
+    EXPECT_EQ(alone.count({offset(sat->pos_left), offset(sat->pos_right_end), sat->score}), 1U);
+    highest = std::max<std::int64_t>(highest, sat->score);
+  }
+  const auto lower = [](const Grown& a, const Grown& b) { return a[2] < b[2]; };
+  EXPECT_EQ(highest, (*std::max_element(alone.begin(), alone.end(), lower))[2]);
 }
 
 // Each case but the first has something for which the repeat must be in the list.
