@@ -224,7 +224,6 @@ class CSearchController {
   /// those that it did not come to the end of, sorted.
   GrowingRepeats finish_growth(const GrowingRepeats& forward, const GrowingRepeats& backward, std::int64_t unit_length,
                                std::int64_t most_bases = any_bases) const;
-  static constexpr std::int64_t any_bases = INT64_MAX;
   using GrowShare = std::function<GrowingRepeats(const GrowingRepeats& share, GrowthAids& aids)>;
   /// Among the workers; those with rotations of one unit stay together. Returns what they return.
   GrowingRepeats share_out(const GrowingRepeats& repeats, std::int64_t unit_length, const GrowShare& grow) const;

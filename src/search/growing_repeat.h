@@ -4,6 +4,9 @@
 
 #include "satellite/Csat.h"
 
+/// To where its ends stop, however far that is.
+inline constexpr std::int64_t any_bases = INT64_MAX;
+
 /// A repeat that has grown in part, kept small: thousands may wait for the rest of their growth.
 ///
 /// Positions are 0-based offsets in a sequence of at most 2^30 bases; ends as those of Csat.

@@ -127,8 +127,7 @@ class HiddenRepeats::Array {
     std::map<std::pair<std::int64_t, std::int64_t>, Ends> ends_to_grow;
     const auto end = waiting_.begin() + count;
     const auto ends_of = [&](const Waiting& waiting) -> Ends& {
-      return ends_to_grow[{waiting.repeat->unit_length,
-                           is_whole ? CSearchController::any_bases : waiting.bases_to_grow}];
+      return ends_to_grow[{waiting.repeat->unit_length, is_whole ? any_bases : waiting.bases_to_grow}];
     };
     for (auto at = waiting_.begin(); at != end; ++at) {
       Ends& ends = ends_of(*at);

@@ -111,8 +111,6 @@ class WalkBundle {
         unit_words_(unit_words),
         least_height_(1 - rules.deepest_lookahead()) {}
 
-  static constexpr std::int64_t any_bases = INT64_MAX;
-
   /// Lets the repeats grow to their ends in this direction, or so many bases or more if the end is not reached before.
   /// Returns those whose end is not known then: they stand where their score was highest. `go_to_line(line, walk)`
   /// takes a walk to a line, or over it, or to its end, and returns its leg.

@@ -27,6 +27,15 @@ class HiddenRepeatsTest : public test::SearchTest {
     controller_ = std::make_unique<CSearchController>(1, sequence_->mol);
   }
 
+  /// Copies with departures, of so many bases or some more, between 300 others.
+  void set_array(unsigned number, std::size_t unit_length, std::size_t bases) {
+    Random random(number);
+    const std::string unit = random.bases(unit_length);
+    std::string copies;
+    while (copies.size() < bases) copies += random.copy(unit, 40);
+    set(random.bases(300) + copies + random.bases(300));
+  }
+
   struct Seed {
     GrowingRepeat grown;
     Growth growth;
@@ -137,12 +146,8 @@ TEST_F(HiddenRepeatsTest, StayWhereTheyAreToldToStay) {
 
 // Of a long array the words beyond what is known are counted, and walks grow in parts.
 TEST_F(HiddenRepeatsTest, WinInLongArraysIfTheyMay) {
-  Random random(2);
   constexpr std::uint32_t length = 31;
-  const std::string unit = random.bases(length);
-  std::string copies;
-  while (copies.size() < 40000) copies += random.copy(unit, 40);
-  set(random.bases(300) + copies + random.bases(300));
+  set_array(2, length, 40000);
   for (const std::ptrdiff_t from : {400, 20000, 39000}) {
     std::optional<Seed> found;
     for (std::ptrdiff_t begin = from; !found || found->at_last.length() < 39000; ++begin) found = seed(begin, length);
@@ -157,19 +162,15 @@ TEST_F(HiddenRepeatsTest, WinInLongArraysIfTheyMay) {
 
 // All but the first ones grow in parts.
 TEST_F(HiddenRepeatsTest, ManyGrowToTheSameEndsAsAlone) {
-  Random random(3);
   constexpr std::uint32_t length = 31;
-  const std::string unit = random.bases(length);
-  std::string copies;
-  while (copies.size() < 30000) copies += random.copy(unit, 40);
-  set(random.bases(300) + copies + random.bases(300));
+  set_array(3, length, 30000);
   HiddenRepeats hidden(*controller_, HiddenRepeats::any_number);
   using Grown = std::array<std::int64_t, 3>;
   std::set<Grown> alone;
   for (std::ptrdiff_t begin = 400; begin < 30000; begin += 131) {
     const std::optional<Seed> seed = this->seed(begin, length);
     if (!seed) continue;
-    hidden.add(seed->grown, seed->growth, length, {0, static_cast<std::uint32_t>(copies.size() + 600)});
+    hidden.add(seed->grown, seed->growth, length, {0, offset(sequence_->mol.end())});
     alone.insert({seed->at_last.begin, seed->at_last.end, seed->score});
   }
   ASSERT_GT(alone.size(), 10U);

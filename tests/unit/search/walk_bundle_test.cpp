@@ -86,7 +86,7 @@ class WalkBundleTest : public test::SearchTest {
       // In parts, each time from where the score was highest.
       for (std::int64_t bases = 100; !repeats.empty(); bases *= 2) repeats = finish(bases);
     }
-    EXPECT_TRUE(finish(WalkBundle<forward>::any_bases).empty());
+    EXPECT_TRUE(finish(any_bases).empty());
     for (std::size_t i = 0; i < together.size(); ++i) {
       const auto ends = [](const GrowingRepeat& repeat) {
         return std::vector<std::int64_t>{repeat.left, repeat.right_end, repeat.score};
